@@ -1,0 +1,156 @@
+// The process-wide log. A statement is one expression:
+//
+//     static constexpr char kLogClass[] = "CreoProxy";   // once in each source file
+//     OB_LOG(LogLevel::DBG) << "timerIntvl: " << interval;
+//
+// and comes out as one line of fixed columns:
+//
+//     time|level|thread|file|line|class and method|message
+//
+// A statement whose level is off evaluates nothing behind the macro. Statements of several threads never mix. A
+// statement is skipped silently before the global logger exists and after it is gone.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "OB_Daemon/src/mutex.h"
+
+enum class LogLevel : int { ERR, WRN, CRT, TRC, DCM, ICM, INF, DBG, TMP };
+
+// Integers that act as commands when they are written into a statement.
+inline constexpr int kLogEnd = 314159;      // ends the statement: writes the line and releases the lock
+inline constexpr int kLogHexDump = 271828;  // makes the next string of the statement come out as a hex dump
+
+// Section LOGGING of the settings file.
+struct LoggingParameters {
+    std::string mSectionName = "LOGGING";
+    std::string mSettingsDirPath;                    // folder of a log file given by its bare name
+    std::string mLogFile = "Creo_plugin_log.txt";    // name or full path
+    std::int32_t mMaxSize = 5000;                    // kB of 1000 bytes; a larger file is rotated
+    bool mIsLogToFile = false;
+    bool mIsLogToCnsl = false;
+    bool mIsWarning = false;
+    bool mIsCreation = false;
+    bool mIsTrace = false;
+    bool mIsDevCom = false;
+    bool mIsIntCom = false;
+    bool mIsInfo = false;
+    bool mIsDebug = false;
+    bool mIsTmp = false;
+    std::string mExclFileToLog;  // when not empty, only statements of the source file with this name are logged
+};
+
+// Any thread may call any member, except construction and destruction. Nothing throws but allocation failure.
+class Logging {
+ public:
+    Logging();
+    ~Logging();
+    Logging(const Logging&) = delete;
+    Logging& operator=(const Logging&) = delete;
+
+    // Takes the parameters over and reopens the log file. May be called again.
+    void init(const LoggingParameters& parameters);
+
+    // Sets the folder of a log file given by its bare name, for the time until init().
+    void setSettingsDirPath(const std::string& path);
+
+    // Whether a statement of this level could be written at all: the cheap test before a statement is built.
+    bool isEnabled(int level) const {
+        return level >= 0 && level < 32 && (mEnabledLevels.load(std::memory_order_relaxed) >> level & 1u) != 0;
+    }
+
+    // Begins a statement: answers true when it is to be written, and has then taken the statement lock and written
+    // the line head. The calling thread ends it by append(kLogEnd) or gives it up by abandonStatement(). A thread may
+    // begin a statement inside one of its own; the inner one becomes a line of its own.
+    bool beginStatement(int level, std::string_view sourceFile, std::string_view prefix);
+
+    // Appends to the statement that the calling thread has begun. Ignored when it has begun none.
+    void append(std::string_view text);
+    void append(std::int64_t number);
+    std::ostream* statementStream();  // for all other types; null when the thread has begun no statement
+
+    // Gives the statement up: nothing is written, the lock is released.
+    void abandonStatement();
+
+    // Renames the log file to its backup (extension .bak) and starts a fresh one. The caller has begun a statement.
+    void backupLogFile();
+
+ private:
+    void openLogFile();
+    void writeHeader();
+    void writeLine(const std::string& text);
+    void endStatement();
+    void releaseStatement();
+    bool isOwner() const;
+    void writeHexDump(std::string_view text);
+
+    LoggingParameters mParameters;
+    std::string mLogFilePath;
+    std::unique_ptr<std::ostringstream> mBuffer;  // statement being built; guarded by mMutex, as all above
+    std::unique_ptr<std::ofstream> mFile;         // null while nothing is logged to a file
+    Mutex mMutex;
+    bool mIsHexDump = false;
+
+    struct Outer;                                 // statement that a nested one interrupts
+    std::unique_ptr<Outer> mOuter;
+    std::atomic<std::uint32_t> mOwner{0};         // thread that holds mMutex, 0 = none
+    std::atomic<std::uint32_t> mEnabledLevels{1u};  // bit n = level n is on
+};
+
+// Builds the columns source file, line, class and method. `method` holds the class name, "::" and the method's name.
+std::string makeLogPrefix(std::string_view sourceFile, int line, std::string_view className, std::string_view method);
+
+// kLogEnd exactly while the global logger is usable.
+extern std::atomic<std::uint32_t> gLoggerAlive;
+extern Logging gLogging;
+
+// One statement of the global logger; its destructor ends it. When building the message throws, the statement is
+// given up and the lock released.
+class LogStatement {
+ public:
+    LogStatement(LogLevel level, const char* sourceFile, int line, const char* className, const char* function);
+    ~LogStatement();
+    LogStatement(const LogStatement&) = delete;
+    LogStatement& operator=(const LogStatement&) = delete;
+
+    LogStatement& self() { return *this; }
+
+    template <typename T>
+    LogStatement& operator<<(const T& value) {
+        if (!mIsOpen) return *this;
+        if constexpr (std::is_same_v<T, bool>) {
+            gLogging.append(std::int64_t{value});
+        } else if constexpr (std::is_convertible_v<const T&, std::string_view>) {
+            gLogging.append(std::string_view(value));
+        } else if constexpr (std::is_integral_v<T> && sizeof(T) > 1) {
+            gLogging.append(static_cast<std::int64_t>(value));
+        } else if (std::ostream* out = gLogging.statementStream()) {
+            *out << value;
+        }
+        return *this;
+    }
+
+    static bool isWanted(LogLevel level) {
+        return gLoggerAlive.load(std::memory_order_relaxed) == static_cast<std::uint32_t>(kLogEnd) &&
+               gLogging.isEnabled(static_cast<int>(level));
+    }
+
+ private:
+    bool mIsOpen;
+    int mExceptions;  // in flight when the statement began
+};
+
+// Makes the statement an expression of type void, so that it can stand behind "?:".
+struct LogVoid {
+    void operator&(const LogStatement&) const {}
+};
+
+#define OB_LOG(level)                            \
+    !LogStatement::isWanted(level) ? static_cast<void>(0) \
+                                   : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, __func__).self()

@@ -1,0 +1,32 @@
+# What all targets have in common: warnings, the sanitizers that a preset asks for, and the plain file name as
+# __FILE__ (the log's file column and its file filter must agree on every tool chain).
+option(ORBIKON_TESTS "Build the tests" ON)
+option(ORBIKON_BENCH "Build the benchmarks (native)" OFF)
+option(ORBIKON_FUZZ "Build the fuzzers (native, clang)" OFF)
+set(ORBIKON_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
+
+add_library(orbikon_options INTERFACE)
+target_include_directories(orbikon_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(orbikon_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Wold-style-cast
+  -Woverloaded-virtual -Wcast-align -Wformat=2 -Werror)
+foreach(folder OB_Daemon/src config driver toolkit common_sources)
+  target_compile_options(orbikon_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/${folder}/=)
+endforeach()
+
+if(ORBIKON_SANITIZE)
+  add_compile_options(-fsanitize=${ORBIKON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ORBIKON_SANITIZE})
+endif()
+
+if(WIN32)
+  # Creo and Windows guarantee 4-byte stack alignment only, so every function that needs more aligns its own frame.
+  # SSE arithmetic keeps results independent of the precision that the host sets in the x87 control word.
+  add_compile_options(-mstackrealign -march=pentium4 -mfpmath=sse)
+  add_compile_definitions(WINVER=0x0601 _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+  # Compiler, C++ and thread run-times are linked in: nothing but Windows' own libraries is imported.
+  add_link_options(-static -static-libgcc -static-libstdc++)
+else()
+  find_package(Threads REQUIRED)
+  target_link_libraries(orbikon_options INTERFACE Threads::Threads)
+endif()

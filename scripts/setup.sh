@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# Installs what the build and the workbench need on a Debian 12 machine. Does nothing, and asks apt nothing, when
+# all of it is there. Sourced or run by ./run and ./test; works as root or through sudo.
+#
+#   scripts/setup.sh            everything that ./test needs
+#   scripts/setup.sh run        only what ./run needs (no sanitizers, linters, fuzzers)
+set -euo pipefail
+
+run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest xvfb wine)
+test_packages=(clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev)
+wine32=wine32:i386
+
+say() { printf '[setup] %s\n' "$*"; }
+die() { printf '[setup] error: %s\n' "$*" >&2; exit 1; }
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"
+    elif command -v sudo >/dev/null; then sudo "$@"
+    else die "installing packages needs root or sudo; please install by hand: ${missing[*]}"
+    fi
+}
+
+is_installed() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+
+apt_install() {  # apt_install LOG OPTION... -- PACKAGE...
+    local log=$1 options=(); shift
+    while [ "$1" != -- ]; do options+=("$1"); shift; done
+    shift
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get "${options[@]}" -o Dpkg::Use-Pty=0 \
+        install -y --no-install-recommends "$@" >"$log" 2>&1
+}
+
+# The i386 index of the security suite sometimes lags behind its signature. The main suite alone, read through a
+# source file and list folder of our own, then still has a consistent set of packages.
+install_from_main_suite() {
+    local log=$1 folder uri; shift
+    uri=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' 'Component: main' |
+          head -n 1)
+    [ -n "$uri" ] || die "no Debian 12 main suite is configured on this machine; see $log"
+    folder=$(mktemp -d)
+    chmod 755 "$folder"
+    mkdir -p "$folder/sources" "$folder/lists/partial"
+    printf '%s\n' 'Types: deb' "URIs: $uri" 'Suites: bookworm' 'Components: main' 'Architectures: amd64 i386' \
+        'Signed-By: /usr/share/keyrings/debian-archive-keyring.gpg' >"$folder/sources/main.sources"
+    local main_only=(-o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$folder/sources"
+                     -o "Dir::State::lists=$folder/lists")
+    local ok=0
+    as_root apt-get "${main_only[@]}" update >>"$log" 2>&1 &&
+        apt_install "$log.main" "${main_only[@]}" -- "$@" || ok=1
+    as_root rm -rf "$folder"
+    return $ok
+}
+
+install_missing() {
+    local log; log=$(mktemp)
+    say "installing ${missing[*]} (some minutes the first time; apt's output: $log)"
+    if printf '%s\n' "${missing[@]}" | grep -q ':i386$'; then
+        dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
+    fi
+    as_root apt-get update >"$log" 2>&1 || say "apt-get update reported errors; going on with the lists there are"
+    local native=() foreign=() package
+    for package in "${missing[@]}"; do
+        case $package in *:i386) foreign+=("$package") ;; *) native+=("$package") ;; esac
+    done
+    if [ ${#native[@]} -gt 0 ]; then
+        apt_install "$log.native" -- "${native[@]}" ||
+            { say "the usual way failed; trying again from the main suite alone"
+              install_from_main_suite "$log.native" "${native[@]}"; } ||
+            { tail -n 15 "$log.native" "$log.native.main" >&2 2>/dev/null; die "could not install ${native[*]}"; }
+    fi
+    if [ ${#foreign[@]} -gt 0 ]; then
+        apt_install "$log.i386" -- wine "${foreign[@]}" ||
+            { say "the 32-bit packages do not install the usual way (their security index lags);" \
+                  "falling back to the main suite alone"
+              install_from_main_suite "$log.i386" wine "${foreign[@]}"; } ||
+            { tail -n 15 "$log.i386" "$log.i386.main" >&2 2>/dev/null
+              die "the 32-bit Wine packages (${foreign[*]}) cannot be had on this machine;" \
+                  "nothing of the plug-in can be run or tested without them"; }
+    fi
+    for package in "${missing[@]}"; do
+        is_installed "$package" || die "$package is still missing after the installation"
+    done
+    say "packages installed"
+}
+
+wanted=("${run_packages[@]}" "$wine32")
+[ "${1:-all}" = run ] || wanted+=("${test_packages[@]}")
+missing=()
+for package in "${wanted[@]}"; do is_installed "$package" || missing+=("$package"); done
+if [ ${#missing[@]} -gt 0 ]; then
+    command -v apt-get >/dev/null || die "this is no Debian machine; please install: ${missing[*]}"
+    install_missing
+fi

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Runs a Windows program under Wine with a prefix of the project's own, on an X server of its own when there is no
+# display. CTest starts every Windows test through this script; ./run uses it too.
+#
+#   ORBIKON_WINEPREFIX   folder of the Wine prefix (default: build/wine in this checkout)
+#   ORBIKON_DISPLAY      use this X display (":0" and the like) instead of a virtual one
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export WINEPREFIX=${ORBIKON_WINEPREFIX:-$root/build/wine}
+export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=' WINEDEBUG=${WINEDEBUG:--all}
+mkdir -p "$(dirname "$WINEPREFIX")"
+
+# One virtual display for each Wine prefix; it stays up between programs and ends with the last of them being idle.
+if [ -n "${ORBIKON_DISPLAY:-}" ]; then
+    export DISPLAY=$ORBIKON_DISPLAY
+else
+    . "$root/scripts/display.sh"
+fi
+
+# The prefix is made once; two tests that start at the same time must not both make it.
+if [ ! -e "$WINEPREFIX/.ready" ]; then
+    exec 9>"$WINEPREFIX.lock"
+    flock 9
+    if [ ! -e "$WINEPREFIX/.ready" ]; then
+        wineboot --init >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; exit 1; }
+        wineserver -w 9>&-
+        touch "$WINEPREFIX/.ready"
+    fi
+    exec 9>&-
+fi
+exec wine "$@"
