@@ -1,5 +1,5 @@
-#include "common_sources/creo_proxy.h"
 #include "OB_Daemon/src/logging.h"
+#include "common_sources/creo_proxy.h"
 #include "toolkit/pro_toolkit.h"
 
 namespace {

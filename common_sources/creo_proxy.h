@@ -28,7 +28,7 @@ class CObAddin;
 // Created once per user_initialize, destroyed by user_terminate. Everything runs on Creo's user-interface thread
 // except the members said to be for the reading thread.
 class CreoProxy {
- public:
+  public:
     static constexpr std::int32_t kUnknownMode = -1;
     static constexpr std::int32_t kSketcherMode = 0;
     static constexpr std::int32_t kAssemblyMode = 5;
@@ -57,6 +57,7 @@ class CreoProxy {
     // One tick: drains the command slots, decides who gets the motion, scrolls or moves components for up to
     // maxContMoveTime milliseconds. Answers whether the cap is moving.
     bool doTransform();
+    static bool isCapMoving();
 
     // --- Scrolling ---
     enum class ScrollKind { none = 0, scrollBar = 1, wheel = 2 };
@@ -99,16 +100,16 @@ class CreoProxy {
     void setRotationMode(std::int32_t mode, bool firstFlag, bool secondFlag);
     void setContextFlag(std::uint8_t flag) { mContextFlag = flag; }
 
- private:
+  private:
     enum class Generation { running, succeeded, failed };
     using Names = std::vector<std::string>;
 
     void registerCommands();
-    void setNotifications();
     void discoverWindows();
     void killTimer();
     void runPendingCommands();
-    bool moveOnce();
+    void decideLegacyChannel();
+    bool transformOnce();
     void readMenuFile(const std::string& path);
     Generation createMNUFile(const std::string& path);
     bool getLoadpointAndLanguage(std::string& loadpoint, std::string& language) const;
@@ -120,18 +121,18 @@ class CreoProxy {
 
     CObAddin* mOwner;
     std::atomic<double> mMenuFileProgress{kProgressNotStarted};
-    std::atomic<const Names*> mModeNames{nullptr};             // published once read, never changed afterwards
-    std::vector<std::unique_ptr<const Names>> mAllModeNames;   // all that were published, for as long as this object
-    Names mMenuFunctions;                                      // command strings by function index
+    std::atomic<const Names*> mModeNames{nullptr};            // published once read, never changed afterwards
+    std::vector<std::unique_ptr<const Names>> mAllModeNames;  // all that were published, for as long as this object
+    Names mMenuFunctions;                                     // command strings by function index
     bool mIsRearmed = true;
     bool mIsInTick = false;
     bool mIsComponentMoveOn = false;
     bool mIsMapkeyUsed = false;
     std::atomic<std::int32_t> mMode{kUnknownMode};
     std::int32_t mLastSeenWindow = -1;
-    std::string mMapkeySequence;  // at most two characters of a-z, 0-9
-    std::string mTrailFilePath;   // every run of backslashes doubled
-    WindowHandle mTimerWindow = nullptr;     // carries the timer; also Creo's main window for keys
+    std::string mMapkeySequence;          // at most two characters of a-z, 0-9
+    std::string mTrailFilePath;           // every run of backslashes doubled
+    WindowHandle mTimerWindow = nullptr;  // carries the timer; also Creo's main window for keys
     WindowHandle mGraphicsWindow = nullptr;
 
     // Written by the reading thread. The rotation mode is kept for the device's settings; the motion ignores it.
@@ -141,5 +142,5 @@ class CreoProxy {
     std::atomic<std::uint8_t> mContextFlag{0};
 
     struct GenerationJob;
-    std::unique_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated
+    std::shared_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated
 };

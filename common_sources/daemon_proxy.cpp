@@ -133,8 +133,8 @@ void DaemonProxy::readMouseEvents() {
     while (mIsRunning) {
         std::int16_t tx = 0, ty = 0, tz = 0, rx = 0, ry = 0, rz = 0;
         std::int32_t unused1 = 0, unused2 = 0, event = -1, extra1 = 0, extra2 = 0;
-        const int status = obReadDeviceData(kDevice, &tx, &ty, &tz, &rx, &ry, &rz, &unused1, &unused2, &event,
-                                            &extra1, &extra2);
+        const int status =
+            obReadDeviceData(kDevice, &tx, &ty, &tz, &rx, &ry, &rz, &unused1, &unused2, &event, &extra1, &extra2);
         if (event > -1) handleEvent(event);
         if (status == 0) {
             slots.tx.store(tx, std::memory_order_relaxed);

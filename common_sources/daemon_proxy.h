@@ -13,7 +13,7 @@ class ProgressWindow;
 // and events over through the add-in's slots, tells the daemon Creo's mode, and switches the daemon's LegacyCOM1
 // channel, through which Creo's own device support is fed. Driver failures are logged and absorbed.
 class DaemonProxy {
- public:
+  public:
     // Connects (a failure is only logged, the watchdog tries again) and starts the reading thread. Creo's thread.
     explicit DaemonProxy(CObAddin* owner);
 
@@ -41,7 +41,7 @@ class DaemonProxy {
     // Makes the reading thread leave its loop after the current read. Creo's thread.
     void stopReading() { mIsRunning = false; }
 
- private:
+  private:
     static constexpr std::int32_t kNothingSaved = -1;
 
     static void* readingEntry(void* proxy);

@@ -22,7 +22,7 @@ struct MotionSlots {
 // Owns all parts of the plug-in and carries the hand-over slots between its threads: the reading thread writes, Creo's
 // thread reads; the latest value wins. Created and destroyed on Creo's thread.
 class CObAddin {
- public:
+  public:
     static constexpr std::int32_t kNoFunction = -1;
     static constexpr std::int32_t kNoEvent = 0;
 
@@ -49,7 +49,7 @@ class CObAddin {
     std::atomic<std::int32_t> applFunction{kNoFunction};  // index of the device-button function to run
     std::atomic<std::int32_t> specialEvent{kNoEvent};     // code of a pending special event
 
- private:
+  private:
     void configureLogging();
     void startWatchdog();
     static void* watchdogEntry(void* addin);

@@ -42,8 +42,7 @@ constexpr Key<Settings> kProgramKeys[] = {
     {"version", &Settings::mVersion, "# program's version number", "                  mVersion: "},
     {"transSensBase", &Settings::mTraSensBase, "# base sensitivity divisor for translation",
      "              mTraSensBase: "},
-    {"rotSensBase", &Settings::mRotSensBase, "# base sensitivity divisor for rotation",
-     "              mRotSensBase: "},
+    {"rotSensBase", &Settings::mRotSensBase, "# base sensitivity divisor for rotation", "              mRotSensBase: "},
     {"minThreshold", &Settings::mMinThreshold, "# minimal threshold (overrides setting in control panel)",
      "             mMinThreshold: "},
     {"maxContMoveTime", &Settings::mMaxContMoveTime, "# maximal time for continuous cap movement in milliseconds",
@@ -71,10 +70,8 @@ constexpr Key<Settings> kProgramKeys[] = {
 constexpr Key<LoggingParameters> kLoggingKeys[] = {
     {"logFile", &LoggingParameters::mLogFile, "# name of log file", "        mLogFile: "},
     {"maxSize", &LoggingParameters::mMaxSize, "# max. size of log file (kB)", "        mMaxSize: "},
-    {"logToFile", &LoggingParameters::mIsLogToFile, "# log into log file:               off/on",
-     "    mIsLogToFile: "},
-    {"logToCnsl", &LoggingParameters::mIsLogToCnsl, "# log to console:                  off/on",
-     "    mIsLogToCnsl: "},
+    {"logToFile", &LoggingParameters::mIsLogToFile, "# log into log file:               off/on", "    mIsLogToFile: "},
+    {"logToCnsl", &LoggingParameters::mIsLogToCnsl, "# log to console:                  off/on", "    mIsLogToCnsl: "},
     {"warning", &LoggingParameters::mIsWarning, "# log warnings:                    off/on", "      mIsWarning: "},
     {"creation", &LoggingParameters::mIsCreation, "# log creation etc.:               off/on", "     mIsCreation: "},
     {"trace", &LoggingParameters::mIsTrace, "# log trace data:                  off/on", "        mIsTrace: "},
@@ -83,8 +80,7 @@ constexpr Key<LoggingParameters> kLoggingKeys[] = {
     {"info", &LoggingParameters::mIsInfo, "# log info data:                   off/on", "         mIsInfo: "},
     {"debug", &LoggingParameters::mIsDebug, "# log debug data:                  off/on", "        mIsDebug: "},
     {"tmp", &LoggingParameters::mIsTmp, "# log data of temporal interest:   off/on", "          mIsTmp: "},
-    {"fileToLog", &LoggingParameters::mExclFileToLog, "# name of the exclusively logged file",
-     "  mExclFileToLog: "},
+    {"fileToLog", &LoggingParameters::mExclFileToLog, "# name of the exclusively logged file", "  mExclFileToLog: "},
 };
 
 std::string environmentVariable(const char* name) {

@@ -15,7 +15,7 @@ class Cnfg;
 // is missing in the file gives an empty text, 0 or off. Values are not checked against any range. One thread at a
 // time; the members are read and changed on Creo's user-interface thread only.
 class Settings {
- public:
+  public:
     // Builds the paths, creates missing folders, reads the file or writes the default one. Never fails: what cannot
     // be read or written is logged and the defaults hold.
     Settings();
@@ -48,7 +48,7 @@ class Settings {
 
     LoggingParameters mLogPars;
 
- private:
+  private:
     std::string readParameter(Cnfg& file, const char* section, const char* key) const;
     std::string dump() const;
 
