@@ -189,7 +189,8 @@ bool moveComponents(const Step& step) {
 }
 
 bool scaleStep(const Axes& axes, const Settings& settings, Step& step) {
-    const double transDivisor = settings.mTraSensBase / kTransSensUnit;  // integer quotient
+    const std::int32_t quotient = settings.mTraSensBase / kTransSensUnit;
+    const double transDivisor = quotient;
     const double rotDivisor = settings.mRotSensBase;
     const Vector3 translation{axes.tx / transDivisor, axes.ty / transDivisor, axes.tz / transDivisor};
     const Vector3 turn{axes.rx / rotDivisor, axes.ry / rotDivisor, axes.rz / rotDivisor};

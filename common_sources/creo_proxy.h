@@ -20,7 +20,7 @@
 #include <string_view>
 #include <vector>
 
-struct HWND__;  // Windows' window handle, without its headers
+struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-reserved-identifier)
 using WindowHandle = HWND__*;
 
 class CObAddin;

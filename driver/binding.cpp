@@ -48,8 +48,8 @@ HMODULE loadFrom(const std::wstring& folder) {
     // What the library itself needs comes from its own folder or the system's; a damaged file opens no message box.
     DWORD errorMode = 0;
     SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &errorMode);
-    HMODULE loaded = LoadLibraryExW(path.c_str(), nullptr,
-                                    LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
+    HMODULE loaded =
+        LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     SetThreadErrorMode(errorMode, nullptr);
     return loaded;
 }

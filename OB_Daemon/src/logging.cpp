@@ -77,6 +77,13 @@ std::string localDate() {
     return text;
 }
 
+std::string lineHead(int level, std::string_view prefix) {
+    std::ostringstream head;
+    head << utcTime() << "|" << kLevels[static_cast<std::size_t>(level)].tag << "|" << std::setw(6) << currentThreadId()
+         << "|" << prefix << "| ";
+    return head.str();
+}
+
 // True when a remove or rename failed for another reason than a file that is not there.
 bool failedSeriously(int status) { return status != 0 && errno != ENOENT; }
 
@@ -171,26 +178,23 @@ bool Logging::beginStatement(int level, std::string_view sourceFile, std::string
     if (!isEnabled(level)) return false;
     const bool isNested = isOwner();
     if (!isNested && mMutex.lock() != 0) return false;
-    bool isBegun = false;
+    std::string head;
+    bool isAccepted = false;
     try {
         if (passesFileFilter(sourceFile)) {
-            std::ostringstream head;
-            head << utcTime() << "|" << kLevels[static_cast<std::size_t>(level)].tag << "|" << std::setw(6)
-                 << currentThreadId() << "|" << prefix << "| ";
+            head = lineHead(level, prefix);
             if (isNested) interruptStatement();
-            mOwner = currentThreadId();
-            isBegun = true;
-            append(head.str());
-            return true;
+            isAccepted = true;
         }
     } catch (const std::exception&) {  // out of memory: no line
     }
-    if (isBegun) {
-        abandonStatement();
+    if (isAccepted) {
+        mOwner = currentThreadId();
+        append(head);
     } else if (!isNested) {
         mMutex.unlock();
     }
-    return false;
+    return isAccepted;
 }
 
 bool Logging::passesFileFilter(std::string_view sourceFile) const {
@@ -232,13 +236,17 @@ void Logging::append(std::int64_t number) {
 std::ostream* Logging::statementStream() { return isOwner() ? mBuffer.get() : nullptr; }
 
 void Logging::writeHexDump(std::string_view text) {
-    std::ostringstream dump;
-    dump << "\n       0  1  2  3  4  5  6  7  8  9";
+    *mBuffer << "\n       0  1  2  3  4  5  6  7  8  9";
+    char cell[16];
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (i % kBytesPerHexLine == 0) dump << "\n" << std::dec << std::setw(4) << i << ": ";
-        dump << std::hex << static_cast<int>(static_cast<signed char>(text[i])) << " ";
+        if (i % kBytesPerHexLine == 0) {
+            std::snprintf(cell, sizeof cell, "\n%4u: ", static_cast<unsigned>(i));
+            *mBuffer << cell;
+        }
+        // As a signed character, so that 0x80 and above come out sign-extended.
+        std::snprintf(cell, sizeof cell, "%x ", static_cast<unsigned>(static_cast<signed char>(text[i])));
+        *mBuffer << cell;
     }
-    *mBuffer << dump.str();
 }
 
 void Logging::endStatement() {

@@ -160,6 +160,8 @@ struct LogVoid {
     void operator&(const LogStatement&) const {}
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the message follows the macro
 #define OB_LOG(level)                                     \
     !LogStatement::isWanted(level) ? static_cast<void>(0) \
                                    : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, __func__).self()
+// NOLINTEND(bugprone-macro-parentheses)
