@@ -1,5 +1,6 @@
 // Text control over named pipes between the workbench's programs. A request is one line; the answer is any number of
-// lines followed by a line "ok" or "error <reason>". Lines end with a line feed and never hold one.
+// lines followed by a line "ok" or "error <reason>". Lines end with a line feed and never hold one. An answer line that
+// could be taken for the closing one, or that begins with a backslash, travels with a backslash before it.
 #pragma once
 
 #include <functional>
@@ -24,7 +25,7 @@ struct Reply {
 // Serves any number of clients, each on a thread of its own. The handler is called on those threads, one request at
 // a time a client; it answers the reply to send. Exceptions of the handler become an error reply.
 class LineServer {
- public:
+  public:
     using Handler = std::function<Reply(const std::string& request)>;
 
     // Creates the pipe and starts to serve. Throws std::runtime_error when the pipe cannot be created (for example
@@ -34,14 +35,14 @@ class LineServer {
     LineServer(const LineServer&) = delete;
     LineServer& operator=(const LineServer&) = delete;
 
- private:
+  private:
     struct Impl;
     std::unique_ptr<Impl> mImpl;
 };
 
 // One connection to a LineServer. Not thread-safe.
 class LineClient {
- public:
+  public:
     LineClient() = default;
     ~LineClient();
     LineClient(const LineClient&) = delete;
@@ -56,7 +57,7 @@ class LineClient {
     // does not answer in time (the connection is then closed) or refuses.
     Reply ask(const std::string& request, int timeoutMs = 20000);
 
- private:
+  private:
     void* mPipe = nullptr;  // Windows handle, overlapped
     std::string mReceived;  // bytes behind the last complete line
 };
