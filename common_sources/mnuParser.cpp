@@ -6,8 +6,8 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu_encoding.h"
-#include "common_sources/mnu_file.h"
 #include "common_sources/mnu_text.h"
+#include "common_sources/mnu_writer.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ constexpr double kWriteLimit = 0.999999;
 
 }  // namespace
 
-MNUParser::MNUParser(const std::atomic<bool>* cancel) : mCancel(cancel) {
+MNUParser::MNUParser() {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
     OB_LOG(LogLevel::CRT) << "Constructed.";
 }
@@ -39,8 +39,7 @@ void MNUParser::AddResource(std::string_view name, std::string_view text) {
             advanceProgress(kPaneStep, kPaneLimit);
             break;
         case ResourceKind::kCommandText: {
-            const CommandText command =
-                parseCommandText(text, mIsMainLanguage ? TextLine::kFirst : TextLine::kSecond);
+            const CommandText command = parseCommandText(text, mIsMainLanguage ? TextLine::kFirst : TextLine::kSecond);
             if (!command.label.empty()) {
                 AddCommand({.resourceCommandName = resourceCommandName(name),
                             .command = {},
@@ -61,10 +60,9 @@ bool MNUParser::WriteMNUFile(const std::string& mnuPath) {
     OB_LOG(LogLevel::DBG) << "Create MNU File: " << mnuPath;
     const MenuTables::Menus& menus = mTables.menus(mCancel);
     const double step = (1.0 - kCommandLimit) / static_cast<double>(std::max<std::size_t>(menus.size(), 1));
-    const auto reason = writeMenuFile(mnuPath, menus,
-                                      {.isGerman = mIsGermanOutput, .cancel = mCancel, .afterMenu = [&] {
-                                           advanceProgress(step, kWriteLimit);
-                                       }});
+    const auto reason = writeMenuFile(
+        mnuPath, menus,
+        {.isGerman = mIsGermanOutput, .cancel = mCancel, .afterMenu = [&] { advanceProgress(step, kWriteLimit); }});
     if (reason) return fail(*reason);
     mFailure.clear();
     OB_LOG(LogLevel::DBG) << "MNU File created successfully: " << mnuPath;

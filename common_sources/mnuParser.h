@@ -13,18 +13,18 @@
 //
 // Paths, names of resources and menu texts are in the process code page.
 class MNUParser {
- public:
-    // Once `cancel` is set (may be null), whatever runs fails within milliseconds.
-    explicit MNUParser(const std::atomic<bool>* cancel = nullptr);
+  public:
+    MNUParser();
     ~MNUParser();
     MNUParser(const MNUParser&) = delete;
     MNUParser& operator=(const MNUParser&) = delete;
 
     // Writes the menu file `mnuPath` with the commands of the libraries in the folder `resourceDir`, in `language`
     // (lower case, as in the libraries' names). `progress` (may be null) moves from 0 to 0.999999 and never leaves
-    // [0, 1]. An existing file is not replaced, and no part of a file is left behind. Windows only.
+    // [0, 1]. Once `cancel` is set (may be null), it fails within milliseconds. An existing file is not replaced, and
+    // no part of a file is left behind. Windows only.
     bool CreateMNU(std::atomic<double>* progress, const std::string& mnuPath, const std::string& resourceDir,
-                   const std::string& language);
+                   const std::string& language, const std::atomic<bool>* cancel = nullptr);
 
     // Takes the command texts and panes over from one library, of which no code runs. Windows only.
     bool ExtractResources(const std::string& dllPath);
@@ -45,7 +45,7 @@ class MNUParser {
     // Text of the failure that ended the last CreateMNU, ExtractResources or WriteMNUFile; empty after success.
     const std::string& failure() const { return mFailure; }
 
- private:
+  private:
     bool createMNU(const std::string& mnuPath, std::string resourceDir, const std::string& language);
     bool enumName(void* module, const char* type, const char* name);
     bool fail(std::string text);
@@ -53,7 +53,7 @@ class MNUParser {
     void setProgress(double value);
     void advanceProgress(double step, double limit);
 
-    const std::atomic<bool>* mCancel;
+    const std::atomic<bool>* mCancel = nullptr;
     std::atomic<double>* mProgress = nullptr;
     bool mIsMainLanguage = false;  // English: the first text line counts instead of the second
     bool mIsGermanOutput = false;

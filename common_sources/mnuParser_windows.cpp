@@ -25,7 +25,7 @@ constexpr double kFileWritten = 0.999999;
 
 // A library mapped for reading only. Its code never runs, so a library of any origin or machine type will do.
 class ResourceLibrary {
- public:
+  public:
     explicit ResourceLibrary(const std::string& path)
         : mModule(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE)) {}
     ~ResourceLibrary() {
@@ -36,7 +36,7 @@ class ResourceLibrary {
 
     HMODULE module() const { return mModule; }
 
- private:
+  private:
     HMODULE mModule;
 };
 
@@ -100,8 +100,9 @@ std::string languageLibraryName(const std::string& language) {
 }  // namespace
 
 bool MNUParser::CreateMNU(std::atomic<double>* progress, const std::string& mnuPath, const std::string& resourceDir,
-                          const std::string& language) {
+                          const std::string& language, const std::atomic<bool>* cancel) {
     mProgress = progress;
+    mCancel = cancel;
     mTables.clear();
     mIsMainLanguage = mIsGermanOutput = false;
     mFailure.clear();

@@ -17,7 +17,8 @@ NameFinder::NameId NameFinder::add(std::string_view name) {
         Node child = childOf(node, upper);
         if (child == kRoot) {
             child = static_cast<Node>(mNodes.size());
-            mNodes.push_back({.last = upper, .length = mNodes[node].length + 1, .nextSibling = mNodes[node].firstChild});
+            mNodes.push_back(
+                {.last = upper, .length = mNodes[node].length + 1, .nextSibling = mNodes[node].firstChild});
             mNodes[node].firstChild = child;
             mIsLinked = false;
         }
@@ -69,8 +70,7 @@ void NameFinder::linkFallbacks() {
         std::vector<Node> below;
         for (const Node parent : level) {
             for (Node child = mNodes[parent].firstChild; child != kRoot; child = mNodes[child].nextSibling) {
-                const Node fallback =
-                    parent == kRoot ? Node{kRoot} : step(mNodes[parent].fallback, mNodes[child].last);
+                const Node fallback = parent == kRoot ? Node{kRoot} : step(mNodes[parent].fallback, mNodes[child].last);
                 mNodes[child].fallback = fallback;
                 mNodes[child].nextName = mNodes[fallback].name != kNoName ? fallback : mNodes[fallback].nextName;
                 below.push_back(child);

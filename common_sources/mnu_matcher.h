@@ -13,7 +13,7 @@
 // (Aho and Corasick), so a pass costs what the text's length and the number of names in it cost, however many names
 // there are. One thread at a time.
 class NameFinder {
- public:
+  public:
     using NameId = std::uint32_t;
 
     struct Hit {
@@ -30,14 +30,14 @@ class NameFinder {
     // (may be null).
     std::vector<Hit> find(std::string_view text, const std::atomic<bool>* cancel = nullptr);
 
- private:
+  private:
     using Node = std::uint32_t;
     static constexpr Node kRoot = 0;  // the empty beginning; as a child or sibling: none
     static constexpr NameId kNoName = ~NameId{0};
 
     struct Beginning {
-        char last = 0;               // character that the parent's beginning goes on with, upper case
-        std::uint32_t length = 0;    // characters
+        char last = 0;             // character that the parent's beginning goes on with, upper case
+        std::uint32_t length = 0;  // characters
         Node firstChild = kRoot;
         Node nextSibling = kRoot;
         Node fallback = kRoot;       // longest shorter beginning that this one ends with

@@ -14,7 +14,7 @@ bool isSet(const std::atomic<bool>* flag) { return flag && flag->load(std::memor
 
 // The names of the commands to be searched, and which commands have each name.
 class MenuTables::PendingNames {
- public:
+  public:
     PendingNames(const std::deque<CommandRecord>& commands, CommandNumber first, const std::atomic<bool>* cancel) {
         for (CommandNumber number = first; number < commands.size() && !isSet(cancel); ++number) {
             const std::string name = utf8FromCodePage(commands[number].resourceCommandName);
@@ -33,7 +33,7 @@ class MenuTables::PendingNames {
         }
     }
 
- private:
+  private:
     struct Name {
         std::size_t length;  // in UTF-8
         std::vector<CommandNumber> commands;

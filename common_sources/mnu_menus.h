@@ -27,7 +27,7 @@ struct CommandRecord {
 // for which commands, by their number, it was the pane's current one, which yields the same menus as a search of all
 // panes at each addCommand(). One thread at a time.
 class MenuTables {
- public:
+  public:
     // Records of each menu, in the order of their addCommand(). Only menus with records.
     using Menus = std::map<std::string, std::vector<const CommandRecord*>>;
 
@@ -43,7 +43,7 @@ class MenuTables {
     // is set (may be null). The result is valid until the next call of any member.
     const Menus& menus(const std::atomic<bool>* cancel = nullptr);
 
- private:
+  private:
     using CommandNumber = std::size_t;  // index into mCommands
     static constexpr CommandNumber kStillCurrent = ~CommandNumber{0};
 

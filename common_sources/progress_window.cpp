@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "OB_Daemon/src/logging.h"
+#include "common_sources/edge.h"
 
 namespace {
 
@@ -82,12 +83,7 @@ struct ProgressWindow::Window {
     }
 
     static LRESULT CALLBACK procedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam) {
-        try {
-            return handle(frame, message, wParam, lParam);
-        } catch (...) {
-            OB_LOG(LogLevel::ERR) << "Error WindowProc()";
-            return 0;
-        }
+        return atEdge("WindowProc", LRESULT{0}, [&] { return handle(frame, message, wParam, lParam); });
     }
 
     static bool registerClass() {
@@ -126,11 +122,7 @@ void ProgressWindow::start() {
     mIsRunning = true;
     try {
         mWindow->thread = std::thread([this] {
-            try {
-                run();
-            } catch (...) {
-                OB_LOG(LogLevel::ERR) << "Error run()";
-            }
+            atEdge("run", [this] { run(); });
             mWindow->forgetControls();
             mIsRunning = false;
         });

@@ -7,7 +7,7 @@
 
 // start(), update() and stop() are for one thread, which is not the window's. The window lives on a thread of its own.
 class ProgressWindow {
- public:
+  public:
     ProgressWindow();
     ~ProgressWindow();  // stops
     ProgressWindow(const ProgressWindow&) = delete;
@@ -28,7 +28,7 @@ class ProgressWindow {
     // answers.
     void stop();
 
- private:
+  private:
     struct Window;
 
     void run();

@@ -1,4 +1,4 @@
-#include "common_sources/mnu_file.h"
+#include "common_sources/mnu_writer.h"
 
 #include <unistd.h>
 
@@ -16,9 +16,9 @@ namespace {
 constexpr char kLogClass[] = "MNUParser";
 
 constexpr std::string_view kModes[] = {
-    "Sketcher", "Part",     "Sheet_Metal", "Composite", "Scan_Model",  "Assembly", "Drawing",      "Manufacture",
-    "Mold",     "Cast",     "Dieface",     "Layout",    "Format",      "Report",   "Markup",       "Diagram",
-    "Interchange", "Legacy", "User_Defined", "Verify",  "Process",     "Nc_Model", "Default",
+    "Sketcher",    "Part",   "Sheet_Metal",  "Composite", "Scan_Model", "Assembly", "Drawing", "Manufacture",
+    "Mold",        "Cast",   "Dieface",      "Layout",    "Format",     "Report",   "Markup",  "Diagram",
+    "Interchange", "Legacy", "User_Defined", "Verify",    "Process",    "Nc_Model", "Default",
 };
 
 struct Entry {
@@ -35,8 +35,7 @@ constexpr Entry kOwnItems[] = {
      "{+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an assembly on and off."},
 };
 constexpr Entry kOwnGermanItems[] = {
-    {"1Fensterrollmodus umschalten",
-     "{}OB_Toggle_Scroll_Mode|Schaltet das Rollen in Listen und Baeumen ein und aus."},
+    {"1Fensterrollmodus umschalten", "{}OB_Toggle_Scroll_Mode|Schaltet das Rollen in Listen und Baeumen ein und aus."},
     {"1Bewegungsmodus umschalten",
      "{+ 6}OB_Toggle_Object_Move_Mode|"
      "Schaltet das Bewegen von selektierten Objekten in einer Baugruppe ein und aus."},
@@ -50,7 +49,7 @@ constexpr Entry kSubstitutions[] = {
     {"ProCmdViewNoHidden", "ProCmdEnvMdlDisp*No hidden"},
 };
 
-constexpr std::size_t kKeyGap = 5;          // blanks behind the longest label
+constexpr std::size_t kKeyGap = 5;           // blanks behind the longest label
 constexpr std::size_t kMaxLabelSize = 1000;  // every line is as wide as the longest label
 
 using Records = std::vector<const CommandRecord*>;
@@ -77,7 +76,7 @@ Records readableRecords(const Records& records) {
 
 // A file that vanishes with this object unless it was published under its final name.
 class TemporaryFile {
- public:
+  public:
     // The process id keeps two Creos that start at the same time apart. One left by a crash is overwritten.
     explicit TemporaryFile(const std::string& finalPath)
         : mFinalPath(finalPath), mPath(finalPath + "." + std::to_string(getpid()) + ".tmp"), mStream(mPath) {}
@@ -94,12 +93,13 @@ class TemporaryFile {
     std::optional<std::string> publish() {
         mStream.close();
         if (!mStream) return "Menu file cannot be written: " + mPath;
-        if (!renameToFinal()) return "Menu file cannot be created (" + std::string(std::strerror(errno)) + "): " + mFinalPath;
+        if (!renameToFinal())
+            return "Menu file cannot be created (" + std::string(std::strerror(errno)) + "): " + mFinalPath;
         mIsPublished = true;
         return std::nullopt;
     }
 
- private:
+  private:
     // Never replaces a file: Windows' rename refuses to, and so does link().
     bool renameToFinal() {
 #ifdef _WIN32
@@ -116,7 +116,7 @@ class TemporaryFile {
 };
 
 class MenuFileWriter {
- public:
+  public:
     MenuFileWriter(std::ostream& out, std::size_t keyWidth) : mOut(out), mKeyWidth(keyWidth) {}
 
     void writeModes() {
@@ -141,7 +141,7 @@ class MenuFileWriter {
 
     void writeEnd() { mOut << ' '; }
 
- private:
+  private:
     void writeEntry(std::string_view key, std::string_view value) {
         const std::size_t blanks = key.size() < mKeyWidth ? mKeyWidth - key.size() : 0;
         mOut << key << std::string(blanks, ' ') << "= " << value << '\n';
