@@ -2,6 +2,9 @@
 # Runs a Windows program under Wine with a prefix of the project's own, on an X server of its own when there is no
 # display. CTest starts every Windows test through this script; ./run uses it too.
 #
+#   scripts/wine.sh PROGRAM [ARGUMENT...]
+#   scripts/wine.sh --stop      ends what still runs in the prefix, and its X server
+#
 #   ORBIKON_WINEPREFIX   folder of the Wine prefix (default: build/wine in this checkout)
 #   ORBIKON_DISPLAY      use this X display (":0" and the like) instead of a virtual one
 set -euo pipefail
@@ -10,7 +13,17 @@ export WINEPREFIX=${ORBIKON_WINEPREFIX:-$root/build/wine}
 export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=' WINEDEBUG=${WINEDEBUG:--all}
 mkdir -p "$(dirname "$WINEPREFIX")"
 
-# One virtual display for each Wine prefix; it stays up between programs and ends with the last of them being idle.
+if [ "${1:-}" = --stop ]; then
+    [ -d "$WINEPREFIX" ] && wineserver -k 2>/dev/null || true
+    if [ -r "$WINEPREFIX.display" ]; then
+        read -r _ server <"$WINEPREFIX.display"
+        kill "$server" 2>/dev/null || true
+        rm -f "$WINEPREFIX.display"
+    fi
+    exit 0
+fi
+
+# One virtual display for each Wine prefix; it stays up between programs until --stop.
 if [ -n "${ORBIKON_DISPLAY:-}" ]; then
     export DISPLAY=$ORBIKON_DISPLAY
 else

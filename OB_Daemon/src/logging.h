@@ -18,8 +18,15 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "OB_Daemon/src/mutex.h"
+
+#ifdef _WIN32
+inline constexpr char kPathSeparator = '\\';
+#else
+inline constexpr char kPathSeparator = '/';
+#endif
 
 enum class LogLevel : int { ERR, WRN, CRT, TRC, DCM, ICM, INF, DBG, TMP };
 
@@ -30,9 +37,9 @@ inline constexpr int kLogHexDump = 271828;  // makes the next string of the stat
 // Section LOGGING of the settings file.
 struct LoggingParameters {
     std::string mSectionName = "LOGGING";
-    std::string mSettingsDirPath;                    // folder of a log file given by its bare name
-    std::string mLogFile = "Creo_plugin_log.txt";    // name or full path
-    std::int32_t mMaxSize = 5000;                    // kB of 1000 bytes; a larger file is rotated
+    std::string mSettingsDirPath;                  // folder of a log file given by its bare name
+    std::string mLogFile = "Creo_plugin_log.txt";  // name or full path
+    std::int32_t mMaxSize = 5000;                  // kB of 1000 bytes; a larger file is rotated
     bool mIsLogToFile = false;
     bool mIsLogToCnsl = false;
     bool mIsWarning = false;
@@ -48,7 +55,7 @@ struct LoggingParameters {
 
 // Any thread may call any member, except construction and destruction. Nothing throws but allocation failure.
 class Logging {
- public:
+  public:
     Logging();
     ~Logging();
     Logging(const Logging&) = delete;
@@ -81,13 +88,15 @@ class Logging {
     // Renames the log file to its backup (extension .bak) and starts a fresh one. The caller has begun a statement.
     void backupLogFile();
 
- private:
+  private:
     void openLogFile();
     void writeHeader();
     void writeLine(const std::string& text);
     void endStatement();
     void releaseStatement();
     bool isOwner() const;
+    bool passesFileFilter(std::string_view sourceFile) const;
+    void interruptStatement();
     void writeHexDump(std::string_view text);
 
     LoggingParameters mParameters;
@@ -97,9 +106,9 @@ class Logging {
     Mutex mMutex;
     bool mIsHexDump = false;
 
-    struct Outer;                                 // statement that a nested one interrupts
-    std::unique_ptr<Outer> mOuter;
-    std::atomic<std::uint32_t> mOwner{0};         // thread that holds mMutex, 0 = none
+    struct Outer;                                   // statement that a nested one interrupts
+    std::unique_ptr<Outer> mOuter;                  // null unless a nested statement is being built
+    std::atomic<std::uint32_t> mOwner{0};           // thread that holds mMutex, 0 = none
     std::atomic<std::uint32_t> mEnabledLevels{1u};  // bit n = level n is on
 };
 
@@ -113,7 +122,7 @@ extern Logging gLogging;
 // One statement of the global logger; its destructor ends it. When building the message throws, the statement is
 // given up and the lock released.
 class LogStatement {
- public:
+  public:
     LogStatement(LogLevel level, const char* sourceFile, int line, const char* className, const char* function);
     ~LogStatement();
     LogStatement(const LogStatement&) = delete;
@@ -141,7 +150,7 @@ class LogStatement {
                gLogging.isEnabled(static_cast<int>(level));
     }
 
- private:
+  private:
     bool mIsOpen;
     int mExceptions;  // in flight when the statement began
 };
@@ -151,6 +160,8 @@ struct LogVoid {
     void operator&(const LogStatement&) const {}
 };
 
-#define OB_LOG(level)                            \
+// NOLINTBEGIN(bugprone-macro-parentheses): the message follows the macro
+#define OB_LOG(level)                                     \
     !LogStatement::isWanted(level) ? static_cast<void>(0) \
                                    : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, __func__).self()
+// NOLINTEND(bugprone-macro-parentheses)

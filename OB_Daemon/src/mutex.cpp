@@ -39,13 +39,12 @@ Mutex::~Mutex() {
 }
 
 int Mutex::lock() {
+    mLockRequested = true;
     const int status = sem_wait(&mSemaphore);
     if (status != 0) {
         const Errno error;
         std::cerr << "Mutex::lock(): **** Error locking semaphore '" << mName << "' by thread " << currentThreadId()
                   << "! **** " << error;
-    } else {
-        mLockRequested = true;
     }
     return status;
 }
@@ -54,8 +53,8 @@ int Mutex::unlock() {
     const int status = sem_post(&mSemaphore);
     if (status != 0) {
         const Errno error;
-        std::cout << "Mutex::unlock(): **** Error unlocking semaphore '" << mName << "' by thread "
-                  << currentThreadId() << "'! **** " << error;
+        std::cout << "Mutex::unlock(): **** Error unlocking semaphore '" << mName << "' by thread " << currentThreadId()
+                  << "'! **** " << error;
     }
     return status;
 }

@@ -2,11 +2,13 @@
 
 #include <semaphore.h>
 
+#include <atomic>
+
 // The plug-in's only lock: a process-private semaphore of count one with a name. Not recursive, and without an owner:
 // any thread may release it. Failures are reported on the process's standard streams (construction, destruction and
 // lock on the error stream, unlock on the output stream), never through the log whose lock it is.
 class Mutex {
- public:
+  public:
     Mutex();
     ~Mutex();
     Mutex(const Mutex&) = delete;
@@ -21,10 +23,10 @@ class Mutex {
     // "Logging_" and the process id in decimal, cut to 32 characters.
     const char* name() const { return mName; }
 
- private:
+  private:
     static constexpr int kNameSize = 32;
 
     sem_t mSemaphore;
     char mName[kNameSize + 1];
-    bool mLockRequested = false;  // set by the first lock(), never cleared; written by the lock's holder
+    std::atomic<bool> mLockRequested = false;  // set by every lock(), never cleared
 };

@@ -1,0 +1,340 @@
+#include "OB_Daemon/src/logging.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <exception>
+#include <iomanip>
+#include <iostream>
+
+#include "OB_Daemon/src/thread_id.h"
+
+namespace {
+
+constexpr char kLogClass[] = "Logging";
+
+constexpr std::size_t kFileColumn = 16;
+constexpr std::size_t kMethodColumn = 32;
+constexpr int kBytesPerHexLine = 10;
+constexpr std::int64_t kBytesPerKb = 1000;
+
+struct Level {
+    const char* tag;
+    bool LoggingParameters::*isOn;  // null = always
+};
+constexpr std::array<Level, 9> kLevels{{
+    {"ERR", nullptr},
+    {"WRN", &LoggingParameters::mIsWarning},
+    {"CRT", &LoggingParameters::mIsCreation},
+    {"TRC", &LoggingParameters::mIsTrace},
+    {"DCM", &LoggingParameters::mIsDevCom},
+    {"ICM", &LoggingParameters::mIsIntCom},
+    {"INF", &LoggingParameters::mIsInfo},
+    {"DBG", &LoggingParameters::mIsDebug},
+    {"TMP", &LoggingParameters::mIsTmp},
+}};
+
+std::string_view fileNameOf(std::string_view path, std::string_view separators) {
+    const auto cut = path.find_last_of(separators);
+    return cut == std::string_view::npos ? path : path.substr(cut + 1);
+}
+
+// What is too long for its column keeps its end, with a star in front.
+std::string cutToColumn(std::string_view text, std::size_t width) {
+    if (text.size() <= width) return std::string(text);
+    return "*" + std::string(text.substr(text.size() - (width - 1)));
+}
+
+std::string utcTime() {
+    using namespace std::chrono;
+    const auto sinceMidnight = system_clock::now().time_since_epoch() % days(1);
+    const hh_mm_ss time(duration_cast<milliseconds>(sinceMidnight));
+    char text[16];
+    std::snprintf(text, sizeof text, "%02u:%02u:%02u.%03u", static_cast<unsigned>(time.hours().count()) % 24u,
+                  static_cast<unsigned>(time.minutes().count()) % 60u,
+                  static_cast<unsigned>(time.seconds().count()) % 60u,
+                  static_cast<unsigned>(time.subseconds().count()) % 1000u);
+    return text;
+}
+
+// English whatever the process's locale is.
+std::string localDate() {
+    static constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    const std::time_t now = std::time(nullptr);
+    std::tm date{};
+#ifdef _WIN32
+    localtime_s(&date, &now);
+#else
+    localtime_r(&now, &date);
+#endif
+    char text[32];
+    std::snprintf(text, sizeof text, "%s %s %2d %d", kWeekdays[date.tm_wday % 7], kMonths[date.tm_mon % 12],
+                  date.tm_mday, date.tm_year + 1900);
+    return text;
+}
+
+std::string lineHead(int level, std::string_view prefix) {
+    std::ostringstream head;
+    head << utcTime() << "|" << kLevels[static_cast<std::size_t>(level)].tag << "|" << std::setw(6) << currentThreadId()
+         << "|" << prefix << "| ";
+    return head.str();
+}
+
+// True when a remove or rename failed for another reason than a file that is not there.
+bool failedSeriously(int status) { return status != 0 && errno != ENOENT; }
+
+}  // namespace
+
+std::atomic<std::uint32_t> gLoggerAlive{0};
+Logging gLogging;
+
+struct Logging::Outer {
+    std::unique_ptr<std::ostringstream> buffer;
+    std::unique_ptr<Outer> next;
+};
+
+Logging::Logging() {
+    OB_LOG(LogLevel::CRT) << "Logging::Logging() constructing ...";
+    mParameters.mLogFile = "c:\\def_log.txt";
+    mBuffer = std::make_unique<std::ostringstream>();
+    gLoggerAlive = kLogEnd;
+    OB_LOG(LogLevel::CRT) << "Constructed.";
+}
+
+Logging::~Logging() {
+    OB_LOG(LogLevel::CRT) << "Logging::~Logging(): destructing ...";
+    gLoggerAlive = 0;
+    mFile.reset();
+    mBuffer.reset();
+    OB_LOG(LogLevel::CRT) << "Logging::~Logging(): destructed.";
+}
+
+void Logging::init(const LoggingParameters& parameters) {
+    mMutex.lock();
+    mOwner = currentThreadId();  // a statement from here is a nested one
+    try {
+        mParameters = parameters;
+        std::uint32_t levels = 0;
+        const bool hasOutput = parameters.mIsLogToFile || parameters.mIsLogToCnsl;
+        for (std::size_t level = 0; hasOutput && level < kLevels.size(); ++level) {
+            const auto isOn = kLevels[level].isOn;
+            if (isOn == nullptr || parameters.*isOn) levels |= 1u << level;
+        }
+        mEnabledLevels = levels;
+        openLogFile();
+    } catch (const std::exception&) {  // out of memory: go on without a file
+        mFile.reset();
+    }
+    mOwner = 0;
+    mMutex.unlock();
+}
+
+void Logging::setSettingsDirPath(const std::string& path) {
+    mMutex.lock();
+    try {
+        mParameters.mSettingsDirPath = path;
+    } catch (const std::exception&) {  // out of memory: init() brings the path again
+    }
+    mMutex.unlock();
+}
+
+void Logging::openLogFile() {
+    mFile.reset();
+    if (!mParameters.mIsLogToFile) {
+        if (mParameters.mIsLogToCnsl) writeHeader();
+        return;
+    }
+    if (mParameters.mLogFile.empty()) mParameters.mLogFile = "forgot_to_name_this_file_log.txt";
+    const bool isBareName = mParameters.mLogFile.find(kPathSeparator) == std::string::npos;
+    mLogFilePath =
+        isBareName ? mParameters.mSettingsDirPath + kPathSeparator + mParameters.mLogFile : mParameters.mLogFile;
+    try {
+        mFile = std::make_unique<std::ofstream>(mLogFilePath, std::ios::app);
+    } catch (const std::exception&) {
+        OB_LOG(LogLevel::ERR) << "Opening log file '" << mParameters.mLogFile << "failed!";
+        mParameters.mIsLogToFile = false;
+        return;
+    }
+    writeHeader();
+}
+
+void Logging::writeHeader() {
+    const std::string dashes(90, '-');
+    const std::string header = dashes + "\nOrbikon logfile '" + mParameters.mLogFile + "' opened at " + localDate() +
+                               "\n" + dashes + "\n" +
+                               "    Time    |Typ|  TID |      File      | Line|        Class And Method         | "
+                               "LogText\n"
+                               "------------+---+------+----------------+-----+---------------------------------+"
+                               "---------";
+    if (mFile && mParameters.mIsLogToFile) *mFile << header << std::endl;
+    if (mParameters.mIsLogToCnsl) std::cout << header << std::endl;
+}
+
+bool Logging::beginStatement(int level, std::string_view sourceFile, std::string_view prefix) {
+    if (!isEnabled(level)) return false;
+    const bool isNested = isOwner();
+    if (!isNested && mMutex.lock() != 0) return false;
+    std::string head;
+    bool isAccepted = false;
+    try {
+        if (passesFileFilter(sourceFile)) {
+            head = lineHead(level, prefix);
+            if (isNested) interruptStatement();
+            isAccepted = true;
+        }
+    } catch (const std::exception&) {  // out of memory: no line
+    }
+    if (isAccepted) {
+        mOwner = currentThreadId();
+        append(head);
+    } else if (!isNested) {
+        mMutex.unlock();
+    }
+    return isAccepted;
+}
+
+bool Logging::passesFileFilter(std::string_view sourceFile) const {
+    const auto& filter = mParameters.mExclFileToLog;
+    if (filter.empty()) return true;
+    return filter == fileNameOf(sourceFile, sourceFile.find('/') != std::string_view::npos ? "/" : "\\");
+}
+
+void Logging::interruptStatement() {
+    auto outer = std::make_unique<Outer>();
+    auto fresh = std::make_unique<std::ostringstream>();
+    outer->buffer = std::move(mBuffer);
+    outer->next = std::move(mOuter);
+    mOuter = std::move(outer);
+    mBuffer = std::move(fresh);
+}
+
+void Logging::append(std::string_view text) {
+    if (!isOwner()) return;
+    if (mIsHexDump) {
+        writeHexDump(text);
+        mIsHexDump = false;
+    } else {
+        mBuffer->write(text.data(), static_cast<std::streamsize>(text.size()));
+    }
+}
+
+void Logging::append(std::int64_t number) {
+    if (!isOwner()) return;
+    if (number == kLogEnd) {
+        endStatement();
+    } else if (number == kLogHexDump) {
+        mIsHexDump = true;
+    } else {
+        *mBuffer << std::to_string(number);
+    }
+}
+
+std::ostream* Logging::statementStream() { return isOwner() ? mBuffer.get() : nullptr; }
+
+void Logging::writeHexDump(std::string_view text) {
+    *mBuffer << "\n       0  1  2  3  4  5  6  7  8  9";
+    char cell[16];
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (i % kBytesPerHexLine == 0) {
+            std::snprintf(cell, sizeof cell, "\n%4u: ", static_cast<unsigned>(i));
+            *mBuffer << cell;
+        }
+        // As a signed character, so that 0x80 and above come out sign-extended.
+        std::snprintf(cell, sizeof cell, "%x ", static_cast<unsigned>(static_cast<signed char>(text[i])));
+        *mBuffer << cell;
+    }
+}
+
+void Logging::endStatement() {
+    try {
+        const std::string text = mBuffer->str();
+        mBuffer = std::make_unique<std::ostringstream>();
+        writeLine(text);
+    } catch (const std::exception&) {  // out of memory: the line is lost, the lock is not
+        mBuffer->str({});
+    }
+    releaseStatement();
+}
+
+void Logging::abandonStatement() {
+    if (!isOwner()) return;
+    mIsHexDump = false;
+    mBuffer->str({});
+    mBuffer->clear();
+    releaseStatement();
+}
+
+void Logging::releaseStatement() {
+    if (mOuter) {
+        mBuffer = std::move(mOuter->buffer);
+        mOuter = std::move(mOuter->next);
+        return;
+    }
+    mOwner = 0;
+    mMutex.unlock();
+}
+
+bool Logging::isOwner() const { return mOwner.load(std::memory_order_relaxed) == currentThreadId(); }
+
+void Logging::writeLine(const std::string& text) {
+    if (mFile) {
+        mFile->clear();
+        const std::int64_t position = std::streamoff(mFile->tellp());
+        if (position >= std::int64_t{mParameters.mMaxSize} * kBytesPerKb) backupLogFile();
+    }
+    if (mFile && mParameters.mIsLogToFile) *mFile << text << std::endl;
+    if (mParameters.mIsLogToCnsl) std::cout << text << std::endl;
+}
+
+void Logging::backupLogFile() {
+    mFile.reset();
+    const std::string backup = mLogFilePath.substr(0, mLogFilePath.rfind('.')) + ".bak";
+    if (failedSeriously(std::remove(backup.c_str()))) {
+        OB_LOG(LogLevel::ERR) << "'" << backup << "' couldn't be removed!";
+        return;
+    }
+    if (failedSeriously(std::rename(mLogFilePath.c_str(), backup.c_str()))) {
+        std::cout << "File '" << mLogFilePath << "' couldn't be renamed to '" << backup << "'!" << std::endl;
+        return;
+    }
+    auto file = std::make_unique<std::ofstream>(mLogFilePath, std::ios::app);
+    if (!file->good()) {
+        OB_LOG(LogLevel::ERR) << "Opening of stream of'" << mLogFilePath << "' failed!\n";
+        return;
+    }
+    mFile = std::move(file);
+    writeHeader();
+}
+
+std::string makeLogPrefix(std::string_view sourceFile, int line, std::string_view className, std::string_view method) {
+    const std::string file = cutToColumn(fileNameOf(sourceFile, "\\"), kFileColumn);
+    const std::string name = cutToColumn(std::string(className) + "::" + std::string(method), kMethodColumn);
+    std::ostringstream prefix;
+    prefix << std::right << std::setw(kFileColumn) << file << "| " << std::setw(4) << line << "| " << std::left
+           << std::setw(kMethodColumn) << name;
+    return prefix.str();
+}
+
+LogStatement::LogStatement(LogLevel level, const char* sourceFile, int line, const char* className,
+                           const char* function)
+    : mIsOpen(false), mExceptions(std::uncaught_exceptions()) {
+    try {
+        const std::string method = std::string(className) + "::" + function;
+        mIsOpen = gLogging.beginStatement(static_cast<int>(level), sourceFile,
+                                          makeLogPrefix(sourceFile, line, className, method));
+    } catch (const std::exception&) {  // out of memory: no line
+    }
+}
+
+LogStatement::~LogStatement() {
+    if (!mIsOpen) return;
+    if (std::uncaught_exceptions() > mExceptions) {
+        gLogging.abandonStatement();
+    } else {
+        gLogging.append(std::int64_t{kLogEnd});
+    }
+}

@@ -1,0 +1,102 @@
+// Runs what the user bound to a device button: an entry of the menu file, or a standard view.
+#include <array>
+#include <iostream>
+
+#include "OB_Daemon/src/logging.h"
+#include "common_sources/command_text.h"
+#include "common_sources/creo_proxy.h"
+#include "common_sources/rotation.h"
+#include "toolkit/pro_toolkit.h"
+
+namespace {
+
+constexpr char kLogClass[] = "CreoProxy";
+
+constexpr std::string_view kToggleMoveCommand = "OB_Toggle_Object_Move_Mode";
+constexpr std::string_view kToggleScrollCommand = "OB_Toggle_Scroll_Mode";
+
+constexpr std::int32_t kFitEvent = 0x2000C;
+
+// The angles are truncated on purpose; buttons have always set exactly these views.
+constexpr double kHalfTurn = 3.14159;
+constexpr double kQuarterTurn = 1.570795;
+
+struct StandardView {
+    std::int32_t code;
+    Vector3 axis;
+    double angle;  // radians
+};
+constexpr std::array<StandardView, 6> kStandardViews{{
+    {0x20009, {0, 0, 1}, 0.0},
+    {0x2000A, {0, 1, 0}, kQuarterTurn},
+    {0x2000B, {1, 0, 0}, -kQuarterTurn},
+    {0x20016, {0, 1, 0}, kHalfTurn},
+    {0x20017, {0, 1, 0}, -kQuarterTurn},
+    {0x20018, {1, 0, 0}, kQuarterTurn},
+}};
+
+const StandardView* findStandardView(std::int32_t code) {
+    for (const auto& view : kStandardViews) {
+        if (view.code == code) return &view;
+    }
+    return nullptr;
+}
+
+void setView(const StandardView& view) {
+    const Matrix3 block = view.angle == 0.0 ? kIdentity3 : withUnitRows(rotation(view.axis, view.angle));
+    ProMatrix matrix;
+    toToolkit(transposed(block), {0, 0, 0}, matrix);
+    ProError err = ProViewMatrixSet(nullptr, nullptr, matrix);
+    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in ProViewMatrixSet()! err=" << err;
+    int window = -1;
+    err = ProWindowCurrentGet(&window);
+    if (err == PRO_TK_NO_ERROR) err = ProWindowRefresh(window);
+    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in ProWindowRefresh()! err=" << err;
+}
+
+void refitView() {
+    const ProError err = ProViewRefit(nullptr, nullptr);
+    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in ProViewRefit()! err=" << err;
+}
+
+}  // namespace
+
+void CreoProxy::execApplFunction(std::uint32_t menuFncIdx) {
+    if (menuFncIdx >= mMenuFunctions.size()) {
+        OB_LOG(LogLevel::ERR) << "menuFncIdx (" << menuFncIdx << "') too big (max. is "
+                              << static_cast<int>(mMenuFunctions.size()) - 1 << ")!";
+        return;
+    }
+    const std::string& command = mMenuFunctions[menuFncIdx];
+    if (command == kToggleMoveCommand) {
+        toggleComponentMove();
+        return;
+    }
+    if (command == kToggleScrollCommand) {
+        toggleScrolling();
+        return;
+    }
+    const std::string macro = commandMacro(command);
+    OB_LOG(LogLevel::TRC) << "macro: " << macro;
+    if (mIsMapkeyUsed) {
+        executeCommandByMapkey(macro);
+        return;
+    }
+    std::wstring wide = toWide(macro);
+    const ProError err = ProMacroLoad(wide.data());
+    if (err != PRO_TK_NO_ERROR) std::cerr << "Error in ProMacroLoad()! err=" << err << std::endl;
+}
+
+void CreoProxy::execSpecialApplFunction(std::int32_t code) {
+    OB_LOG(LogLevel::TMP) << "Execute special function " << code << " ... ";
+    if (code == kFitEvent) {
+        refitView();
+        return;
+    }
+    if (const StandardView* view = findStandardView(code)) {
+        setView(*view);
+    } else {
+        OB_LOG(LogLevel::ERR) << "Unknown special command '" << code << "' found!";
+    }
+    if (mContextFlag != 0) refitView();
+}

@@ -1,0 +1,100 @@
+// Runs a command so that Creo keeps its undo stack: a mapkey plays a trail file, which is written afresh for every
+// command, and the mapkey's keys are posted to Creo's main window.
+#include <windows.h>
+
+#include <fstream>
+
+#include "OB_Daemon/src/logging.h"
+#include "common_sources/command_text.h"
+#include "common_sources/creo_proxy.h"
+#include "common_sources/edge.h"
+#include "common_sources/ob_addin.h"
+#include "toolkit/pro_toolkit.h"
+
+namespace {
+
+constexpr char kLogClass[] = "CreoProxy";
+
+constexpr char kTrailFile[] = "orbikon-trail.txt";
+constexpr DWORD kTempPathSize = 255;
+
+constexpr LPARAM kKeyPressed = 1;  // repeat count
+constexpr LPARAM kKeyReleased = static_cast<LPARAM>(0xC0000001);
+
+std::string tempFolder() {
+    char path[kTempPathSize + 1] = "";
+    const DWORD size = GetTempPathA(kTempPathSize, path);
+    if (size == 0 || size > kTempPathSize) OB_LOG(LogLevel::ERR) << "Error in GetTempPathA()!";
+    std::string folder(path);
+    if (!folder.ends_with('\\')) folder += '\\';
+    return folder;
+}
+
+// Whether the window in front is one of our own process. Keys go to no other.
+bool isCreoInFront() {
+    const HWND root = GetAncestor(GetForegroundWindow(), GA_ROOT);
+    DWORD process = 0;
+    GetWindowThreadProcessId(root, &process);
+    return process == GetCurrentProcessId();
+}
+
+bool isOwnWindow(HWND window) {
+    DWORD process = 0;
+    return GetWindowThreadProcessId(window, &process) != 0 && process == GetCurrentProcessId();
+}
+
+// True when the whole file is on disk.
+bool writeTrailFile(const std::string& path, const std::string& macro) {
+    std::ofstream file(path, std::ios::trunc);
+    if (!file) return false;
+    file << trailFileText(macro);
+    file.close();
+    return file.good();
+}
+
+}  // namespace
+
+void CreoProxy::defineMapkey() {
+    mIsMapkeyUsed = true;
+    mMapkeySequence = mapkeySequence(mOwner->settings.mMapkeyDefinition);
+    mTrailFilePath = withDoubledBackslashes(tempFolder() + kTrailFile);
+    wchar_t option[] = L"mapkey";
+    std::wstring value = toWide(mapkeyValue(mMapkeySequence, mTrailFilePath));
+    if (ProConfigoptSet(option, value.data()) == PRO_TK_NO_ERROR) {
+        OB_LOG(LogLevel::TRC) << "Mapkey (" << mMapkeySequence << ") is set successfully to trailfile "
+                              << mTrailFilePath << "!";
+    } else {
+        OB_LOG(LogLevel::ERR) << "Cannot set Mapkey (" << mMapkeySequence << ")! => Normal Methode";
+        mIsMapkeyUsed = false;
+    }
+}
+
+void CreoProxy::executeCommandByMapkey(const std::string& macro) {
+    atEdge("executeCommandByMapkey", [&] {
+        if (!isCreoInFront()) {
+            OB_LOG(LogLevel::TRC) << "executeCommandByMapkey, but Creo is not activ window...";
+            return;
+        }
+        OB_LOG(LogLevel::TRC) << "Writing new trail file ...";
+        if (!writeTrailFile(mTrailFilePath, macro)) {
+            OB_LOG(LogLevel::ERR) << "Cannot write trail file '" << mTrailFilePath << "' failed!";
+            return;
+        }
+        OB_LOG(LogLevel::TRC) << "Trail file written.";
+        sendMapkey();
+    });
+}
+
+void CreoProxy::sendMapkey() const {
+    if (!isOwnWindow(mTimerWindow)) {
+        OB_LOG(LogLevel::ERR) << "No Creo window for the mapkey, command dropped!";
+        return;
+    }
+    for (const char key : mMapkeySequence) {
+        const auto virtualKey = static_cast<WPARAM>(LOBYTE(VkKeyScanA(key)));
+        PostMessageA(mTimerWindow, WM_KEYDOWN, virtualKey, kKeyPressed);
+        PostMessageA(mTimerWindow, WM_CHAR, static_cast<WPARAM>(key), kKeyPressed);
+        PostMessageA(mTimerWindow, WM_KEYUP, virtualKey, kKeyReleased);
+    }
+    OB_LOG(LogLevel::TRC) << "Mapkey command " << mMapkeySequence << " sent.";
+}

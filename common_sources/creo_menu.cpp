@@ -1,0 +1,52 @@
+// Reads the menu file into the table by which a button's function index becomes a command.
+#include <fstream>
+
+#include "OB_Daemon/src/logging.h"
+#include "common_sources/creo_proxy.h"
+#include "common_sources/menu_file.h"
+#include "common_sources/ob_addin.h"
+#include "config/cnfg.h"
+
+namespace {
+
+constexpr char kLogClass[] = "CreoProxy";
+
+constexpr char kMenuFile[] = "Creo.mnu";
+
+bool canBeRead(const std::string& path) { return std::ifstream(path).good(); }
+
+}  // namespace
+
+void CreoProxy::loadMenufile() {
+    // Whatever comes, loading is at its end then, and the reading thread is not kept waiting.
+    struct ProgressGuard {
+        std::atomic<double>& progress;
+        bool isAtEnd = true;
+        ~ProgressGuard() {
+            if (isAtEnd) progress = kProgressDone;
+        }
+    } guard{mMenuFileProgress};
+
+    const std::string path = mOwner->settings.settingsDirPath() + kPathSeparator + kMenuFile;
+    if (mGeneration != nullptr || !canBeRead(path)) {
+        const Generation generation = createMNUFile(path);
+        guard.isAtEnd = generation != Generation::running;
+        if (generation != Generation::succeeded || !canBeRead(path)) return;
+    }
+    readMenuFile(path);
+}
+
+void CreoProxy::readMenuFile(const std::string& path) {
+    OB_LOG(LogLevel::DBG) << "Loading menu file ...";
+    Cnfg file(path);
+    if (!file.isOpen()) {
+        OB_LOG(LogLevel::ERR) << file.errorText();
+        return;
+    }
+    MenuFileContent content = readMenuFileContent(file);
+    auto modeNames = std::make_unique<const Names>(std::move(content.modeNames));
+    mMenuFunctions = std::move(content.commands);
+    mAllModeNames.push_back(std::move(modeNames));
+    mModeNames.store(mAllModeNames.back().get(), std::memory_order_release);
+    OB_LOG(LogLevel::TRC) << "Menu file '" << path << "' with " << mMenuFunctions.size() << " entries loaded.";
+}

@@ -1,0 +1,287 @@
+// Decides, once a tick, who gets the cap's motion: Creo's own device support (through the daemon's legacy channel),
+// the tree or list under the mouse pointer, or the selected components of an assembly.
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+
+#include "OB_Daemon/src/logging.h"
+#include "common_sources/creo_proxy.h"
+#include "common_sources/daemon_proxy.h"
+#include "common_sources/edge.h"
+#include "common_sources/ob_addin.h"
+#include "common_sources/rotation.h"
+#include "toolkit/pro_toolkit.h"
+
+namespace {
+
+constexpr char kLogClass[] = "CreoProxy";
+
+constexpr std::int32_t kTransSensUnit = 500;
+
+// True while the cap is outside the dead band.
+bool capMoving = false;
+
+// The selection buffer's content, given back to the host when it goes out of scope.
+class Selections {
+  public:
+    Selections() { ProSelbufferSelectionsGet(&mArray); }
+    ~Selections() {
+        if (mArray != nullptr) ProSelectionarrayFree(mArray);
+    }
+    Selections(const Selections&) = delete;
+    Selections& operator=(const Selections&) = delete;
+
+    bool isNull() const { return mArray == nullptr; }
+    int size() const {
+        int size = 0;
+        return ProArraySizeGet(mArray, &size) == PRO_TK_NO_ERROR ? size : 0;
+    }
+    ProSelection at(int index) const { return mArray[index]; }
+
+  private:
+    ProSelection* mArray = nullptr;
+};
+
+// Dynamic positioning of an assembly's components, switched on for the time of one step.
+class DynamicPositioning {
+  public:
+    explicit DynamicPositioning(ProAssembly assembly) : mAssembly(assembly) {
+        ProAssemblyDynPosSet(mAssembly, PRO_B_TRUE);
+    }
+    ~DynamicPositioning() { ProAssemblyDynPosSet(mAssembly, PRO_B_FALSE); }
+    DynamicPositioning(const DynamicPositioning&) = delete;
+    DynamicPositioning& operator=(const DynamicPositioning&) = delete;
+
+  private:
+    ProAssembly mAssembly;
+};
+
+// Empties a command slot once the command was acted on, also when it failed: it must not come again every tick.
+struct SlotConsumer {
+    std::atomic<std::int32_t>& slot;
+    std::int32_t empty;
+    ~SlotConsumer() { slot = empty; }
+};
+
+struct Axes {
+    std::int16_t tx, ty, tz, rx, ry, rz;
+
+    static Axes read(const MotionSlots& slots) { return {slots.tx, slots.ty, slots.tz, slots.rx, slots.ry, slots.rz}; }
+
+    bool areWithin(std::int32_t threshold) const {
+        for (const int value : {tx, ty, tz, rx, ry, rz}) {
+            if (std::abs(value) > threshold) return false;
+        }
+        return true;
+    }
+};
+
+// One step of the selection along (model units) and about (radians) the screen's axes.
+struct Step {
+    Vector3 ax, ay, az;  // screen right, screen up, towards the viewer; unit vectors in model coordinates
+    double dtx, dty, dtz;
+    double drx, dry, drz;
+};
+
+// Rot(first) * Rot(second) * Rot(third); a factor whose angle is exactly 0 is left out.
+struct AxisAngle {
+    const Vector3& axis;
+    double angle;
+};
+Matrix3 composedRotation(const AxisAngle& first, const AxisAngle& second, const AxisAngle& third) {
+    Matrix3 composed = kIdentity3;
+    for (const auto& [axis, angle] : {first, second, third}) {
+        if (angle != 0.0) composed = composed * rotation(axis, angle);
+    }
+    return composed;
+}
+
+// The screen's axes in model coordinates. False when the host does not tell its view or the view is degenerate.
+bool getScreenAxes(Vector3& ax, Vector3& ay, Vector3& az) {
+    ProMatrix view;
+    if (ProViewMatrixGet(nullptr, nullptr, view) != PRO_TK_NO_ERROR) return false;
+    ProMatrix toModel;
+    toToolkit(withUnitRows(inverse(blockOf(view))), {0, 0, 0}, toModel);
+    Vector3* const results[] = {&ax, &ay, &az};
+    for (int i = 0; i < 3; ++i) {
+        ProVector unit = {kIdentity3[i][0], kIdentity3[i][1], kIdentity3[i][2]};
+        if (ProVectorTrfEval(unit, toModel, results[i]->data()) != PRO_TK_NO_ERROR) return false;
+        if (!isFinite(*results[i])) return false;
+    }
+    return true;
+}
+
+// The component that a selection moves: always the top-level one of its path.
+struct SelectedComponent {
+    ProAsmcomppath path;
+    ProAsmcomp component;
+    ProMatrix position;
+
+    // False for a selection without a component path, and for a component whose position the host does not tell:
+    // it would otherwise be put anywhere.
+    bool read(ProSelection selection) {
+        path = {};
+        component = {};
+        if (ProSelectionAsmcomppathGet(selection, &path) != PRO_TK_NO_ERROR || path.table_num <= 0) return false;
+        ProFeatureInit(path.owner, path.comp_id_table[0], &component);
+        return ProAsmcompPositionGet(&component, position) == PRO_TK_NO_ERROR;
+    }
+};
+
+// Centre of the bounding box of the selected components' origins.
+Vector3 centreOf(const Selections& selections, int count) {
+    Vector3 low{}, high{};
+    bool isSeeded = false;
+    for (int i = 0; i < count; ++i) {
+        SelectedComponent selected;
+        if (!selected.read(selections.at(i))) continue;
+        const Vector3 origin = originOf(selected.position);
+        if (!isSeeded) low = high = origin;
+        isSeeded = true;
+        for (int k = 0; k < 3; ++k) {
+            low[k] = std::min(low[k], origin[k]);
+            high[k] = std::max(high[k], origin[k]);
+        }
+    }
+    return low + (high - low) * 0.5;
+}
+
+void movePosition(ProMatrix& position, const Step& step, const Matrix3& pivotRotation, const Matrix3& axisRotation,
+                  const Vector3& centre) {
+    Vector3 origin = pivotRotation * (originOf(position) - centre) + centre;
+    Matrix3 axes = blockOf(position);
+    for (auto& axis : axes) axis = axisRotation * axis;
+    // The columns, not the axes, get unit length.
+    axes = transposed(withUnitRows(transposed(axes)));
+    if (step.dtx != 0.0 || step.dty != 0.0 || step.dtz != 0.0) {
+        origin = origin + step.ax * step.dtx + step.ay * step.dty + step.az * step.dtz;
+    }
+    toToolkit(axes, origin, position);
+}
+
+// Moves and turns the selected components by one step, as a group about the centre of their origins. False when
+// nothing is selected.
+bool moveComponents(const Step& step) {
+    int window = -1;
+    ProMdl assembly = nullptr;
+    ProWindowCurrentGet(&window);
+    ProMdlCurrentGet(&assembly);
+    const Selections selections;
+    if (selections.isNull()) return false;
+
+    {
+        const DynamicPositioning positioning(assembly);
+        const int count = selections.size();
+        const Vector3 centre = centreOf(selections, count);
+        const AxisAngle x{step.ax, step.drx}, y{step.ay, step.dry}, z{step.az, step.drz};
+        const Matrix3 pivotRotation = composedRotation(x, y, z);
+        const Matrix3 axisRotation = composedRotation(z, y, x);  // the other order, as it always was
+        for (int i = 0; i < count; ++i) {
+            SelectedComponent selected;
+            if (!selected.read(selections.at(i))) continue;
+            movePosition(selected.position, step, pivotRotation, axisRotation, centre);
+            ProAsmcompPositionSet(&selected.path, &selected.component, selected.position);
+            ProAsmcompRegenerate(&selected.component, PRO_B_TRUE);
+        }
+    }
+    ProWindowRefresh(window);
+    return true;
+}
+
+bool scaleStep(const Axes& axes, const Settings& settings, Step& step) {
+    const std::int32_t quotient = settings.mTraSensBase / kTransSensUnit;
+    const double transDivisor = quotient;
+    const double rotDivisor = settings.mRotSensBase;
+    const Vector3 translation{axes.tx / transDivisor, axes.ty / transDivisor, axes.tz / transDivisor};
+    const Vector3 turn{axes.rx / rotDivisor, axes.ry / rotDivisor, axes.rz / rotDivisor};
+    if (!isFinite(translation) || !isFinite(turn)) return false;
+    step.dtx = translation[0];
+    step.dty = translation[1];
+    step.dtz = translation[2];
+    step.drx = turn[0];
+    step.dry = turn[1];
+    step.drz = turn[2];
+    return true;
+}
+
+}  // namespace
+
+bool CreoProxy::isCapMoving() { return capMoving; }
+
+bool CreoProxy::doTransform() {
+    atEdge("doTransform", [this] {
+        using Clock = std::chrono::steady_clock;
+        const auto start = Clock::now();
+        OB_LOG(LogLevel::INF) << "Do Transformation";
+        const auto maxTime = static_cast<std::uint32_t>(mOwner->settings.mMaxContMoveTime);
+        decideLegacyChannel();
+        std::uint32_t elapsed = 0;
+        int cnt = 0;
+        while (elapsed < maxTime) {
+            using std::chrono::milliseconds;
+            elapsed =
+                static_cast<std::uint32_t>(std::chrono::duration_cast<milliseconds>(Clock::now() - start).count());
+            runPendingCommands();
+            if (!transformOnce()) break;
+            ++cnt;
+        }
+        OB_LOG(LogLevel::INF) << "Finished Transformation, cnt: " << cnt << ", timeDiff: " << elapsed;
+    });
+    return capMoving;
+}
+
+// Leaves the motion to Creo's own device support unless the plug-in is going to use it.
+void CreoProxy::decideLegacyChannel() {
+    bool hasSelection = false;
+    if (mMode == kAssemblyMode && mIsComponentMoveOn) {
+        ProMdl model = nullptr;
+        ProMdlCurrentGet(&model);
+        hasSelection = !Selections().isNull();
+    }
+    int x = 0, y = 0;
+    WindowHandle window = nullptr;
+    const bool isScrolling = classifyPointerWindow(x, y, window) != ScrollKind::none;
+    DaemonProxy* daemon = mOwner->mDaemonProxyP;
+    if (daemon == nullptr) return;
+    if (isScrolling || hasSelection) {
+        daemon->stopLegacyCom1();
+    } else {
+        daemon->resetLegacyCom1();
+    }
+}
+
+void CreoProxy::runPendingCommands() {
+    if (const std::int32_t index = mOwner->applFunction; index >= 0) {
+        const SlotConsumer consumer{mOwner->applFunction, CObAddin::kNoFunction};
+        execApplFunction(static_cast<std::uint32_t>(index));
+    }
+    if (const std::int32_t code = mOwner->specialEvent; code > 0) {
+        const SlotConsumer consumer{mOwner->specialEvent, CObAddin::kNoEvent};
+        OB_LOG(LogLevel::INF) << "keyEvent: " << code;
+        execSpecialApplFunction(code);
+    }
+}
+
+// One pass over the latest motion. True when components were moved and the next pass may follow at once.
+bool CreoProxy::transformOnce() {
+    const Axes axes = Axes::read(mOwner->motion);
+    const bool isMoving = !axes.areWithin(mOwner->settings.mMinThreshold);
+    if (isMoving != capMoving) {
+        capMoving = isMoving;
+        OB_LOG(LogLevel::TRC) << (isMoving ? "Cap moving." : "Cap released.");
+    }
+    if (!isMoving) return false;
+    if (scrollTreeAndList(axes.tx, axes.ty, axes.tz)) return false;
+    if (mMode != kAssemblyMode || !mIsComponentMoveOn) return false;
+
+    Step step;
+    if (!scaleStep(axes, mOwner->settings, step)) {
+        OB_LOG(LogLevel::ERR) << "transSensBase or rotSensBase too small, components are not moved!";
+        return false;
+    }
+    if (!getScreenAxes(step.ax, step.ay, step.az)) {
+        OB_LOG(LogLevel::ERR) << "No screen axes, components are not moved!";
+        return false;
+    }
+    return moveComponents(step);
+}

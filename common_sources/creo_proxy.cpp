@@ -1,0 +1,180 @@
+#include "common_sources/creo_proxy.h"
+
+#include <array>
+
+#include "OB_Daemon/src/logging.h"
+#include "common_sources/edge.h"
+#include "common_sources/ob_addin.h"
+#include "toolkit/pro_toolkit.h"
+
+namespace {
+
+constexpr char kLogClass[] = "CreoProxy";
+
+// The toolkit's texts are not const.
+char kMenuName[] = "Orbikon";
+char kHelpMenu[] = "Help";
+char kMoveCommand[] = "Orbikon_ToggleMoveMode";
+char kScrollCommand[] = "Orbikon_ToggleScrollMode";
+char kMoveLabel[] = "Toggle Move Mode";
+char kScrollLabel[] = "Toggle Scroll Mode";
+wchar_t kMessageFile[] = L"Orbikon.txt";
+
+// The object that callbacks reach. The pointer stays when the object is gone; the flag says whether it may be used.
+CreoProxy* instance = nullptr;
+bool isInstanceAlive = false;
+
+void logFailure(const char* function, ProError err) {
+    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in " << function << "()! err=" << err;
+}
+
+// --- What Creo calls ---
+
+int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
+    return atEdge("moveToggleAction", 0, [value] {
+        CreoProxy* proxy = CreoProxy::live();
+        if (proxy == nullptr) return 0;
+        const bool isOn = proxy->toggleComponentMove();
+        ProCmdChkbuttonValueSet(value, isOn);
+        return isOn ? 1 : 0;
+    });
+}
+
+int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
+    return atEdge("scrollToggleAction", 0, [value] {
+        CreoProxy* proxy = CreoProxy::live();
+        if (proxy == nullptr) return 0;
+        const bool isOn = proxy->toggleScrolling();
+        ProCmdChkbuttonValueSet(value, isOn);
+        return isOn ? 0 : 1;  // the inverse of the move toggle's answer, as it always was
+    });
+}
+
+int moveToggleValue(uiCmdCmdId, uiCmdValue* value) {
+    return atEdge("moveToggleValue", -1, [value] {
+        if (CreoProxy* proxy = CreoProxy::live()) ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
+        return -1;
+    });
+}
+
+int scrollToggleValue(uiCmdCmdId, uiCmdValue* value) {
+    return atEdge("scrollToggleValue", -1, [value] {
+        if (CreoProxy* proxy = CreoProxy::live()) ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
+        return -1;
+    });
+}
+
+int moveToggleAccess(int) {
+    return atEdge("moveToggleAccess", ACCESS_UNAVAILABLE, [] {
+        CreoProxy* proxy = CreoProxy::live();
+        if (proxy == nullptr) return ACCESS_UNAVAILABLE;
+        proxy->checkWindows();
+        return proxy->checkMode(true) == CreoProxy::kAssemblyMode ? ACCESS_AVAILABLE : ACCESS_UNAVAILABLE;
+    });
+}
+
+int scrollToggleAccess(int) {
+    return atEdge("scrollToggleAccess", ACCESS_AVAILABLE, [] {
+        if (CreoProxy* proxy = CreoProxy::live()) {
+            proxy->checkWindows();
+            proxy->checkMode(true);
+        }
+        return ACCESS_AVAILABLE;
+    });
+}
+
+int onWindowChange() {
+    return atEdge("onWindowChange", 0, [] {
+        if (CreoProxy* proxy = CreoProxy::live()) {
+            proxy->checkWindows();
+            proxy->checkMode(false);
+        }
+        return 0;
+    });
+}
+
+int onModelChange() {
+    return atEdge("onModelChange", 0, [] {
+        if (CreoProxy* proxy = CreoProxy::live()) proxy->checkMode(false);
+        return 0;
+    });
+}
+
+// Notification types in Creo's numbering. Not all are unset at the end; the handlers stand that.
+struct Notification {
+    int type;
+    ProFunction handler;
+    bool isUnset;
+};
+constexpr std::array<Notification, 5> kNotifications{{
+    {24, onWindowChange, true},
+    {41, onWindowChange, true},
+    {18, onWindowChange, true},
+    {72, onModelChange, false},
+    {73, onModelChange, false},
+}};
+
+}  // namespace
+
+CreoProxy* CreoProxy::live() { return isInstanceAlive ? instance : nullptr; }
+
+CreoProxy::CreoProxy(CObAddin* owner) : mOwner(owner) {
+    OB_LOG(LogLevel::CRT) << "Constructing ...";
+    instance = this;
+    isInstanceAlive = true;
+    discoverWindows();
+    registerCommands();
+    for (const auto& [type, handler, isUnset] : kNotifications) {
+        logFailure("ProNotificationSet", ProNotificationSet(type, handler));
+    }
+    if (mOwner->settings.mUseMapkeyForCommands) defineMapkey();
+    OB_LOG(LogLevel::CRT) << "CreoProxy constructed.";
+}
+
+CreoProxy::~CreoProxy() {
+    OB_LOG(LogLevel::CRT) << "Destructing ...";
+    for (const auto& [type, handler, isUnset] : kNotifications) {
+        if (isUnset) logFailure("ProNotificationUnset", ProNotificationUnset(type));
+    }
+    stopRearming();
+    killTimer();
+    endGeneration();
+    isInstanceAlive = false;
+    OB_LOG(LogLevel::CRT) << "Destructed.";
+}
+
+void CreoProxy::registerCommands() {
+    uiCmdCmdId moveCommand = nullptr;
+    uiCmdCmdId scrollCommand = nullptr;
+    logFailure("ProCmdOptionAdd", ProCmdOptionAdd(kMoveCommand, moveToggleAction, PRO_B_TRUE, moveToggleValue,
+                                                  moveToggleAccess, PRO_B_TRUE, PRO_B_TRUE, &moveCommand));
+    logFailure("ProCmdOptionAdd", ProCmdOptionAdd(kScrollCommand, scrollToggleAction, PRO_B_TRUE, scrollToggleValue,
+                                                  scrollToggleAccess, PRO_B_TRUE, PRO_B_TRUE, &scrollCommand));
+    logFailure("ProMenubarMenuAdd", ProMenubarMenuAdd(kMenuName, kMenuName, kHelpMenu, PRO_B_FALSE, kMessageFile));
+
+    struct Item {
+        char* label;
+        uiCmdCmdId command;
+    };
+    const std::array<Item, 2> items{{{kMoveLabel, moveCommand}, {kScrollLabel, scrollCommand}}};
+    for (const auto& [label, command] : items) {
+        logFailure("ProMenubarmenuChkbuttonAdd", ProMenubarmenuChkbuttonAdd(kMenuName, label, label, label, nullptr,
+                                                                            PRO_B_TRUE, command, kMessageFile));
+    }
+    for (const auto& [label, command] : items) {
+        logFailure("ProCmdDesignate", ProCmdDesignate(command, label, label, label, kMessageFile));
+    }
+}
+
+bool CreoProxy::isScrollingOn() const { return mOwner->settings.mScrollTreeAndList; }
+
+bool CreoProxy::toggleScrolling() {
+    bool& isOn = mOwner->settings.mScrollTreeAndList;
+    return isOn = !isOn;
+}
+
+void CreoProxy::setRotationMode(std::int32_t mode, bool firstFlag, bool secondFlag) {
+    mRotationMode = mode;
+    mRotationFlag1 = firstFlag;
+    mRotationFlag2 = secondFlag;
+}

@@ -1,0 +1,146 @@
+// The Creo side of the plug-in. One class; each concern has a source file of its own:
+//
+//   creo_proxy.cpp     construction, menu and commands, what Creo calls back
+//   creo_timer.cpp     Creo's windows and the timer that drives everything
+//   creo_motion.cpp    who gets the cap's motion; moving components
+//   creo_mode.cpp      Creo's current mode
+//   creo_scroll.cpp    scrolling the tree or list under the mouse pointer
+//   creo_menu.cpp      reading the menu file
+//   creo_generate.cpp  starting its generation at first start
+//   creo_command.cpp   running the command bound to a device button
+//   creo_mapkey.cpp    running it through a mapkey and a trail file
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-reserved-identifier)
+using WindowHandle = HWND__*;
+
+class CObAddin;
+
+// Created once per user_initialize, destroyed by user_terminate. Everything runs on Creo's user-interface thread
+// except the members said to be for the reading thread.
+class CreoProxy {
+  public:
+    static constexpr std::int32_t kUnknownMode = -1;
+    static constexpr std::int32_t kSketcherMode = 0;
+    static constexpr std::int32_t kAssemblyMode = 5;
+    static constexpr double kProgressNotStarted = -1.0;
+    static constexpr double kProgressDone = 1.0;
+
+    // Finds Creo's windows, arms the timer, registers menu, commands and notifications and, where the settings ask
+    // for it, the mapkey. What Creo refuses is logged and gone without.
+    explicit CreoProxy(CObAddin* owner);
+    ~CreoProxy();
+    CreoProxy(const CreoProxy&) = delete;
+    CreoProxy& operator=(const CreoProxy&) = delete;
+
+    // The one object, for callbacks that carry no user data; null while there is none that may be used.
+    static CreoProxy* live();
+
+    // --- Mode ---
+    // Asks Creo for its mode, stores and answers it. `fromAccessCheck`: the check comes from a command's access
+    // callback, where another current window must not change the mode.
+    std::int32_t checkMode(bool fromAccessCheck);
+    std::int32_t mode() const { return mMode; }
+    // Name of the current mode, "Default" when it has none. Valid as long as this object. Reading thread, too.
+    std::string_view modeName() const;
+
+    // --- Motion ---
+    // One tick: drains the command slots, decides who gets the motion, scrolls or moves components for up to
+    // maxContMoveTime milliseconds. Answers whether the cap is moving.
+    bool doTransform();
+    static bool isCapMoving();
+
+    // --- Scrolling ---
+    enum class ScrollKind { none = 0, scrollBar = 1, wheel = 2 };
+    // How the window under the mouse pointer scrolls; the outputs (screen position, window) are written unless
+    // scrolling is switched off.
+    ScrollKind classifyPointerWindow(int& x, int& y, WindowHandle& window) const;
+    // Scrolls it by the cap's translation. True when the motion is consumed. Pauses for up to 200 ms.
+    bool scrollTreeAndList(std::int16_t tx, std::int16_t ty, std::int16_t tz) const;
+
+    // --- Menu file and commands ---
+    // Reads the menu file into the table of commands and the list of mode names; generates the file when there is
+    // none. The timer calls it until menuFileProgress() is kProgressDone.
+    void loadMenufile();
+    // Runs the command with that index in the table.
+    void execApplFunction(std::uint32_t menuFncIdx);
+    // Sets the standard view that belongs to a special device event.
+    void execSpecialApplFunction(std::int32_t code);
+
+    // Progress of loading and generating: negative = not started, below 1.0 = generating, 1.0 = at its end, whatever
+    // that end is. Any thread.
+    double menuFileProgress() const { return mMenuFileProgress; }
+
+    // --- Toggles ---
+    bool isComponentMoveOn() const { return mIsComponentMoveOn; }
+    bool toggleComponentMove() { return mIsComponentMoveOn = !mIsComponentMoveOn; }
+    bool isScrollingOn() const;
+    bool toggleScrolling();
+
+    // --- Timer and windows ---
+    // Lets the timer end after the current tick.
+    void stopRearming() { mIsRearmed = false; }
+    // Looks for Creo's windows again, and arms the timer, when one of the known ones is gone.
+    void checkWindows();
+    // One timer tick, and the two steps of the window search: true = go on with the enumeration.
+    void onTimer();
+    bool onThreadWindow(WindowHandle window);
+    bool onChildWindow(WindowHandle child);
+
+    // --- For the reading thread ---
+    void setRotationMode(std::int32_t mode, bool firstFlag, bool secondFlag);
+    void setContextFlag(std::uint8_t flag) { mContextFlag = flag; }
+
+  private:
+    enum class Generation { running, succeeded, failed };
+    using Names = std::vector<std::string>;
+
+    void registerCommands();
+    void discoverWindows();
+    void killTimer();
+    void runPendingCommands();
+    void decideLegacyChannel();
+    bool transformOnce();
+    void readMenuFile(const std::string& path);
+    Generation createMNUFile(const std::string& path);
+    bool getLoadpointAndLanguage(std::string& loadpoint, std::string& language) const;
+    void endGeneration();
+    static void* generationEntry(void* proxy);
+    void defineMapkey();
+    void executeCommandByMapkey(const std::string& macro);
+    void sendMapkey() const;
+
+    CObAddin* mOwner;
+    std::atomic<double> mMenuFileProgress{kProgressNotStarted};
+    std::atomic<const Names*> mModeNames{nullptr};            // published once read, never changed afterwards
+    std::vector<std::unique_ptr<const Names>> mAllModeNames;  // all that were published, for as long as this object
+    Names mMenuFunctions;                                     // command strings by function index
+    bool mIsRearmed = true;
+    bool mIsInTick = false;
+    bool mIsComponentMoveOn = false;
+    bool mIsMapkeyUsed = false;
+    std::atomic<std::int32_t> mMode{kUnknownMode};
+    std::int32_t mLastSeenWindow = -1;
+    std::string mMapkeySequence;          // at most two characters of a-z, 0-9
+    std::string mTrailFilePath;           // every run of backslashes doubled
+    WindowHandle mTimerWindow = nullptr;  // carries the timer; also Creo's main window for keys
+    WindowHandle mGraphicsWindow = nullptr;
+
+    // Written by the reading thread. The rotation mode is kept for the device's settings; the motion ignores it.
+    std::atomic<std::int32_t> mRotationMode{0};
+    std::atomic<bool> mRotationFlag1{false};
+    std::atomic<bool> mRotationFlag2{false};
+    std::atomic<std::uint8_t> mContextFlag{0};
+
+    struct GenerationJob;
+    std::shared_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated
+};

@@ -1,0 +1,119 @@
+// Finds Creo's windows and drives everything from one Windows timer on Creo's user-interface thread. The timer is
+// one-shot: each tick ends it first and arms it again last.
+#include <windows.h>
+
+#include "OB_Daemon/src/logging.h"
+#include "common_sources/creo_proxy.h"
+#include "common_sources/edge.h"
+#include "common_sources/ob_addin.h"
+
+namespace {
+
+constexpr char kLogClass[] = "CreoProxy";
+
+constexpr UINT_PTR kTimerId = 99;
+constexpr UINT kRestIntervalMs = 100;
+constexpr UINT kMovingIntervalMs = 10;
+constexpr std::string_view kGraphicsWindowClass = "PGLWindow";
+constexpr int kClassNameSize = 255;
+
+bool isValid(HWND window) { return reinterpret_cast<INT_PTR>(window) > 0; }
+
+void CALLBACK TimerProc(HWND, UINT, UINT_PTR, DWORD) {
+    atEdge("TimerProc", [] {
+        if (CreoProxy* proxy = CreoProxy::live()) proxy->onTimer();
+    });
+}
+
+BOOL CALLBACK MyEnumThreadWndProc(HWND window, LPARAM) {
+    return atEdge("MyEnumThreadWndProc", FALSE, [window]() -> BOOL {
+        CreoProxy* proxy = CreoProxy::live();
+        return proxy != nullptr && proxy->onThreadWindow(window);
+    });
+}
+
+BOOL CALLBACK findGraphicsWindow(HWND child, LPARAM) {
+    return atEdge("findGraphicsWindow", FALSE, [child]() -> BOOL {
+        CreoProxy* proxy = CreoProxy::live();
+        return proxy != nullptr && proxy->onChildWindow(child);
+    });
+}
+
+bool setTimer(HWND window, UINT interval) {
+    if (SetTimer(window, kTimerId, interval, TimerProc) != 0) return true;
+    OB_LOG(LogLevel::ERR) << "Error in SetTimer()! err=" << GetLastError();
+    return false;
+}
+
+// Marks a tick as running for the time of a scope.
+class InTick {
+  public:
+    explicit InTick(bool& flag) : mFlag(flag) { mFlag = true; }
+    ~InTick() { mFlag = false; }
+    InTick(const InTick&) = delete;
+    InTick& operator=(const InTick&) = delete;
+
+  private:
+    bool& mFlag;
+};
+
+}  // namespace
+
+void CreoProxy::discoverWindows() {
+    EnumThreadWindows(GetCurrentThreadId(), MyEnumThreadWndProc, 0);
+    if (mTimerWindow == nullptr) OB_LOG(LogLevel::ERR) << "No valid Creo Window Handle found for Timer";
+}
+
+bool CreoProxy::onThreadWindow(WindowHandle window) {
+    if (mTimerWindow == nullptr) {
+        mTimerWindow = window;
+        if (!isValid(mTimerWindow)) {
+            OB_LOG(LogLevel::ERR) << "No valid Creo Window Handle found for Timer";
+        } else {
+            OB_LOG(LogLevel::DBG) << "Window Handle found for Timer: " << static_cast<const void*>(mTimerWindow);
+            setTimer(mTimerWindow, kRestIntervalMs);
+        }
+    }
+    EnumChildWindows(window, findGraphicsWindow, 0);
+    return !(isValid(mTimerWindow) && isValid(mGraphicsWindow));
+}
+
+bool CreoProxy::onChildWindow(WindowHandle child) {
+    char name[kClassNameSize] = "";
+    GetClassNameA(child, name, kClassNameSize);
+    if (name == kGraphicsWindowClass) {
+        mGraphicsWindow = child;
+        return false;
+    }
+    EnumChildWindows(child, findGraphicsWindow, 0);
+    return !isValid(mGraphicsWindow);
+}
+
+void CreoProxy::checkWindows() {
+    if (isValid(mTimerWindow) && isValid(mGraphicsWindow) && IsWindow(mTimerWindow) && IsWindow(mGraphicsWindow)) {
+        return;
+    }
+    mTimerWindow = nullptr;
+    mGraphicsWindow = nullptr;
+    discoverWindows();
+}
+
+void CreoProxy::killTimer() {
+    if (isValid(mTimerWindow)) KillTimer(mTimerWindow, kTimerId);
+}
+
+void CreoProxy::onTimer() {
+    if (mIsInTick) return;  // a toolkit call dispatches messages
+    const InTick inTick(mIsInTick);
+    OB_LOG(LogLevel::INF) << "Timer Callback start";
+    KillTimer(mTimerWindow, kTimerId);
+    if (mOwner->settings.mIsModeToRead) checkMode(false);
+    if (mMenuFileProgress != kProgressDone) loadMenufile();
+    doTransform();
+    if (mIsRearmed) {
+        const UINT interval = isCapMoving() ? kMovingIntervalMs : kRestIntervalMs;
+        OB_LOG(LogLevel::DBG) << "timerIntvl: " << interval;
+        setTimer(mTimerWindow, interval);
+    }
+    OB_LOG(LogLevel::INF) << "Timer Callback end";
+}

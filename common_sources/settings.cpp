@@ -1,0 +1,207 @@
+#include "common_sources/settings.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <fstream>
+#include <iomanip>
+#include <limits>
+#include <sstream>
+#include <type_traits>
+#include <variant>
+
+#ifdef _WIN32
+#include <direct.h>
+#else
+#include <sys/stat.h>
+#endif
+
+#include "config/cnfg.h"
+
+namespace {
+
+constexpr char kLogClass[] = "Settings";
+
+constexpr char kProductDir[] = "OrbikonController";
+constexpr char kApplicationsDir[] = "Applications";
+constexpr char kSettingsFile[] = "Creo_plugin.ini";
+constexpr char kProgramSection[] = "PROGRAM";
+constexpr int kKeyColumn = 24;
+constexpr int kValueColumn = 50;
+
+// A key of the file: the member that holds its value and the comment behind it.
+template <typename Record>
+struct Key {
+    const char* name;
+    std::variant<std::string Record::*, std::int32_t Record::*, bool Record::*> member;
+    const char* comment;
+    const char* dumpLabel;
+};
+
+constexpr Key<Settings> kProgramKeys[] = {
+    {"name", &Settings::mName, "# program's name", "      (Creo-Plug-in) mName: "},
+    {"version", &Settings::mVersion, "# program's version number", "                  mVersion: "},
+    {"transSensBase", &Settings::mTraSensBase, "# base sensitivity divisor for translation",
+     "              mTraSensBase: "},
+    {"rotSensBase", &Settings::mRotSensBase, "# base sensitivity divisor for rotation", "              mRotSensBase: "},
+    {"minThreshold", &Settings::mMinThreshold, "# minimal threshold (overrides setting in control panel)",
+     "             mMinThreshold: "},
+    {"maxContMoveTime", &Settings::mMaxContMoveTime, "# maximal time for continuous cap movement in milliseconds",
+     "          mMaxContMoveTime: "},
+    {"maxFrameTime", &Settings::mMaxFrameTime, "# this parameter is obsolete and not longer used",
+     "             mMaxFrameTime: "},
+    {"blockTransInRotMode", &Settings::mIsTransToBlock,
+     "# if true translation is blocked while Creo is in rotation mode (on/off)", "           mIsTransToBlock: "},
+    {"scrollTreeAndList", &Settings::mScrollTreeAndList,
+     "# scroll trees and lists within Catia if the mouse is above (on/off)", "        mScrollTreeAndList: "},
+    {"readMode", &Settings::mIsModeToRead,
+     "# ask Creo for the mode it is in: off/on (on disables the undo stack due to a bug in Creo)",
+     "             mIsModeToRead: "},
+    {"mnuLanguage", &Settings::mMNULanguage,
+     "# if set, this string is used for finding the compiled resources DLL (e.g. pro_default_xxxxxx_resources.dll)",
+     "              mMNULanguage: "},
+    {"useMapkeyForCommands", &Settings::mUseMapkeyForCommands,
+     "# if set, Orbikon executes Creo commands with the help of a Mapkey and dynamic Trail-files, in this way the UNDO "
+     "Buffer is not cleared",
+     "     mUseMapkeyForCommands: "},
+    {"mapkeyDefinition", &Settings::mMapkeyDefinition,
+     "# key string for the Mapkey, must be a-z or 0-9 with a length of max. 2", "         mMapkeyDefinition: "},
+};
+
+constexpr Key<LoggingParameters> kLoggingKeys[] = {
+    {"logFile", &LoggingParameters::mLogFile, "# name of log file", "        mLogFile: "},
+    {"maxSize", &LoggingParameters::mMaxSize, "# max. size of log file (kB)", "        mMaxSize: "},
+    {"logToFile", &LoggingParameters::mIsLogToFile, "# log into log file:               off/on", "    mIsLogToFile: "},
+    {"logToCnsl", &LoggingParameters::mIsLogToCnsl, "# log to console:                  off/on", "    mIsLogToCnsl: "},
+    {"warning", &LoggingParameters::mIsWarning, "# log warnings:                    off/on", "      mIsWarning: "},
+    {"creation", &LoggingParameters::mIsCreation, "# log creation etc.:               off/on", "     mIsCreation: "},
+    {"trace", &LoggingParameters::mIsTrace, "# log trace data:                  off/on", "        mIsTrace: "},
+    {"devcom", &LoggingParameters::mIsDevCom, "# not used in this plug-in", "       mIsDevCom: "},
+    {"intcom", &LoggingParameters::mIsIntCom, "# log internal communication data: off/on", "       mIsIntCom: "},
+    {"info", &LoggingParameters::mIsInfo, "# log info data:                   off/on", "         mIsInfo: "},
+    {"debug", &LoggingParameters::mIsDebug, "# log debug data:                  off/on", "        mIsDebug: "},
+    {"tmp", &LoggingParameters::mIsTmp, "# log data of temporal interest:   off/on", "          mIsTmp: "},
+    {"fileToLog", &LoggingParameters::mExclFileToLog, "# name of the exclusively logged file", "  mExclFileToLog: "},
+};
+
+std::string environmentVariable(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+// Not std::filesystem: its narrow paths are UTF-8, a user profile's are in the process code page.
+void makeDirectory(const std::string& path) {
+#ifdef _WIN32
+    _mkdir(path.c_str());
+#else
+    mkdir(path.c_str(), 0777);
+#endif
+}
+
+// Makes what is missing of a folder's path. What cannot be made shows when a file in it is opened.
+void makeDirectories(const std::string& path) {
+    for (auto end = path.find(kPathSeparator, 1); end != std::string::npos; end = path.find(kPathSeparator, end + 1)) {
+        makeDirectory(path.substr(0, end));
+    }
+    makeDirectory(path);
+}
+
+// The decimal integer that the text begins with: blanks and a sign allowed, 0 without digits, clamped to the range.
+std::int32_t leadingInteger(const std::string& text) {
+    std::size_t begin = text.find_first_not_of(" \t");
+    if (begin == std::string::npos) return 0;
+    const bool isNegative = text[begin] == '-';
+    if (isNegative || text[begin] == '+') ++begin;
+    if (begin == text.size() || text[begin] < '0' || text[begin] > '9') return 0;
+    std::int32_t value = 0;
+    const char* first = text.data() + begin - (isNegative ? 1 : 0);
+    const auto result = std::from_chars(first, text.data() + text.size(), value);
+    if (result.ec != std::errc::result_out_of_range) return value;
+    return isNegative ? std::numeric_limits<std::int32_t>::min() : std::numeric_limits<std::int32_t>::max();
+}
+
+void assign(std::string& member, const std::string& text) { member = text; }
+void assign(std::int32_t& member, const std::string& text) { member = leadingInteger(text); }
+// "on" anywhere counts, whatever else the text says.
+void assign(bool& member, const std::string& text) { member = text.find("on") != std::string::npos; }
+
+std::string toText(const std::string& member) { return member; }
+std::string toText(std::int32_t member) { return std::to_string(member); }
+std::string toText(bool member) { return member ? "on" : "off"; }
+
+template <typename Record>
+std::string toText(const Record& record, const Key<Record>& key) {
+    return std::visit([&](auto member) { return toText(record.*member); }, key.member);
+}
+
+template <typename Record>
+void writeKeyLine(std::ostream& out, const Record& record, const Key<Record>& key) {
+    out << "\t" << std::left << std::setw(kKeyColumn) << key.name << "= " << std::right << std::setw(kValueColumn)
+        << toText(record, key) << key.comment << "\n";
+}
+
+}  // namespace
+
+Settings::Settings() {
+    mProductDirPath = environmentVariable("USERPROFILE") + kPathSeparator + kProductDir;
+    mSettingsDirPath = mProductDirPath + kPathSeparator + kApplicationsDir;
+    mSettingsFilePath = mSettingsDirPath + kPathSeparator + kSettingsFile;
+    OB_LOG(LogLevel::CRT) << "Constructing ...";
+    mLogPars.mSettingsDirPath = mProductDirPath;
+    gLogging.setSettingsDirPath(mProductDirPath);
+    makeDirectories(mSettingsDirPath);
+    if (readSettingsFile(mSettingsFilePath) < 0) {
+        OB_LOG(LogLevel::INF) << "Settings file not found - using default values ...";
+        writeSettingsFile(mSettingsFilePath);
+    }
+    OB_LOG(LogLevel::INF) << "\n" << dump();
+}
+
+Settings::~Settings() { OB_LOG(LogLevel::CRT) << "Destructed."; }
+
+int Settings::readSettingsFile(const std::string& path) {
+    Cnfg file(path);
+    if (!file.isOpen()) return -1;
+    try {
+        for (const auto& key : kProgramKeys) {
+            const std::string text = readParameter(file, kProgramSection, key.name);
+            std::visit([&](auto member) { assign(this->*member, text); }, key.member);
+        }
+        for (const auto& key : kLoggingKeys) {
+            const std::string text = readParameter(file, mLogPars.mSectionName.c_str(), key.name);
+            std::visit([&](auto member) { assign(mLogPars.*member, text); }, key.member);
+        }
+    } catch (const std::exception&) {
+        OB_LOG(LogLevel::ERR) << "Error reading settings file!";
+    }
+    return 0;
+}
+
+std::string Settings::readParameter(Cnfg& file, const char* section, const char* key) const {
+    std::string value;
+    if (file.readParameter(section, key, value) != Cnfg::kOk) OB_LOG(LogLevel::ERR) << file.errorText();
+    return value;
+}
+
+void Settings::writeSettingsFile(const std::string& path) const {
+    OB_LOG(LogLevel::TRC) << "Writing new default settings file ...";
+    std::ofstream out(path);
+    if (!out) {
+        OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
+        return;
+    }
+    out << "# Configuration file for Orbikon's Creo Plug-in\n\n[" << kProgramSection << "]\n";
+    for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
+    out << "\n[" << mLogPars.mSectionName << "]\n";
+    for (const auto& key : kLoggingKeys) writeKeyLine(out, mLogPars, key);
+    OB_LOG(LogLevel::TRC) << "Default settings file written.";
+}
+
+std::string Settings::dump() const {
+    std::ostringstream out;
+    for (const auto& key : kProgramKeys) out << key.dumpLabel << toText(*this, key) << "\n";
+    out << "                  mLogPars:\n"
+        << "    mSectionName: " << mLogPars.mSectionName << "\n"
+        << "mSettingsDirPath: " << mLogPars.mSettingsDirPath << "\n";
+    for (const auto& key : kLoggingKeys) out << key.dumpLabel << toText(mLogPars, key) << "\n";
+    return out.str();
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "OB_Daemon/src/logging.h"
+
+class Cnfg;
+
+// The plug-in's settings: the members of section PROGRAM and, in mLogPars, those of section LOGGING. They live in
+//
+//     %USERPROFILE%\OrbikonController\Applications\Creo_plugin.ini
+//
+// A file that exists is only read; a missing one is written with the defaults and a comment for each key. A key that
+// is missing in the file gives an empty text, 0 or off. Values are not checked against any range. One thread at a
+// time; the members are read and changed on Creo's user-interface thread only.
+class Settings {
+  public:
+    // Builds the paths, creates missing folders, reads the file or writes the default one. Never fails: what cannot
+    // be read or written is logged and the defaults hold.
+    Settings();
+    ~Settings();
+    Settings(const Settings&) = delete;
+    Settings& operator=(const Settings&) = delete;
+
+    // Reads both sections. Negative when the file cannot be opened, otherwise 0 or more.
+    int readSettingsFile(const std::string& path);
+
+    // Writes the current values as a commented file. A failure is logged.
+    void writeSettingsFile(const std::string& path) const;
+
+    // Folder of the settings file and of Creo.mnu, without a separator at its end.
+    const std::string& settingsDirPath() const { return mSettingsDirPath; }
+
+    std::string mName = "Geiplaigok";
+    std::string mVersion = "2.8.6";
+    std::int32_t mTraSensBase = 40000;
+    std::int32_t mRotSensBase = 10000;
+    std::int32_t mMinThreshold = 0;
+    std::int32_t mMaxContMoveTime = 5000;  // ms
+    std::int32_t mMaxFrameTime = 100;      // kept in the file; nothing uses it
+    bool mIsTransToBlock = false;
+    bool mScrollTreeAndList = true;
+    bool mIsModeToRead = false;
+    std::string mMNULanguage;
+    bool mUseMapkeyForCommands = true;
+    std::string mMapkeyDefinition = "ob";
+
+    LoggingParameters mLogPars;
+
+  private:
+    std::string readParameter(Cnfg& file, const char* section, const char* key) const;
+    std::string dump() const;
+
+    std::string mProductDirPath;
+    std::string mSettingsDirPath;
+    std::string mSettingsFilePath;
+};

@@ -1,0 +1,97 @@
+#include "workbench/driver/connection.h"
+
+#include <windows.h>
+
+#include <charconv>
+
+namespace workbench {
+namespace {
+
+constexpr int kOpenMs = 100;     // bridges the moments in which a serving daemon has no free pipe instance
+constexpr int kAnswerMs = 1000;  // for a daemon that is there but does not answer
+
+std::string request(Operation operation, const Fields& arguments) {
+    Fields fields{std::string(kOperationNames[static_cast<std::size_t>(operation)])};
+    fields.insert(fields.end(), arguments.begin(), arguments.end());
+    return joinFields(fields);
+}
+
+std::optional<Fields> fieldsOf(const Reply& reply) {
+    if (!reply.isOk) return std::nullopt;
+    return reply.lines.empty() ? Fields{} : splitFields(reply.lines.front());
+}
+
+}  // namespace
+
+bool Connection::connect(int device, const std::string& application) {
+    const std::lock_guard lock(mCommandLock);
+    if (const int old = mSession.exchange(kNoSession); old != kNoSession) ask(Operation::disconnect, old, {});
+    if (!mCommands.isOpen() && !mCommands.open(pipeName(kDataRole), kOpenMs)) return false;
+
+    const Fields arguments{std::to_string(GetCurrentProcessId()), std::to_string(device), application};
+    const Reply reply = mCommands.ask(request(Operation::connect, arguments), kAnswerMs);
+    if (!reply.isOk || reply.lines.empty()) return false;
+    const std::string& text = reply.lines.front();
+    int session = kNoSession;
+    std::from_chars(text.data(), text.data() + text.size(), session);
+    if (session == kNoSession) return false;
+    if (mLogFlags) mCommands.ask(request(Operation::setDllLogFlags, *mLogFlags), kAnswerMs);
+    mSession = session;
+    return true;
+}
+
+bool Connection::disconnect() {
+    // Reset before the lock: a read that is between two waits must see it, whatever the daemon does.
+    const int session = mSession.exchange(kNoSession);
+    if (session == kNoSession) return false;
+    const std::lock_guard lock(mCommandLock);
+    const bool isDone = ask(Operation::disconnect, session, {}).isOk;
+    mCommands.close();
+    return isDone;
+}
+
+std::optional<Fields> Connection::command(Operation operation, const Fields& arguments) {
+    const std::lock_guard lock(mCommandLock);
+    const int session = mSession;
+    if (session == kNoSession) return std::nullopt;
+    return fieldsOf(ask(operation, session, arguments));
+}
+
+std::optional<Fields> Connection::read(int device) {
+    const int session = mSession;
+    if (session == kNoSession) return std::nullopt;
+    const std::lock_guard lock(mReadLock);
+    const std::string text = request(Operation::readDeviceData, {std::to_string(session), std::to_string(device)});
+    while (mSession == session) {
+        if (!mReads.isOpen() && !mReads.open(pipeName(kDataRole), kOpenMs)) {
+            lose(session);
+            return std::nullopt;
+        }
+        const Reply reply = mReads.ask(text, kReadWaitMs + kAnswerMs);
+        if (!mReads.isOpen()) lose(session);
+        if (!reply.isOk || reply.lines.empty()) return std::nullopt;
+        if (reply.lines.front() != kHeld) return splitFields(reply.lines.front());
+    }
+    return std::nullopt;
+}
+
+bool Connection::setLogFlags(const Fields& flags) {
+    const std::lock_guard lock(mCommandLock);
+    mLogFlags = flags;
+    if (!mCommands.isOpen() && !mCommands.open(pipeName(kDataRole), kOpenMs)) return true;
+    const Reply reply = mCommands.ask(request(Operation::setDllLogFlags, flags), kAnswerMs);
+    if (mCommands.isOpen()) return reply.isOk;
+    lose(mSession);
+    return true;
+}
+
+Reply Connection::ask(Operation operation, int session, Fields arguments) {
+    arguments.insert(arguments.begin(), std::to_string(session));
+    const Reply reply = mCommands.ask(request(operation, arguments), kAnswerMs);
+    if (!mCommands.isOpen()) lose(session);
+    return reply;
+}
+
+void Connection::lose(int session) { mSession.compare_exchange_strong(session, kNoSession); }
+
+}  // namespace workbench
