@@ -103,8 +103,8 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
 void* CreoProxy::generationEntry(void* generation) {
     auto* job = static_cast<GenerationJob*>(generation);
     job->hasSucceeded = atEdge("generationEntry", false, [job] {
-        MNUParser parser(&job->isCancelled);
-        return parser.CreateMNU(job->progress, job->menuFile, job->resourceFolder, job->language);
+        MNUParser parser;
+        return parser.CreateMNU(job->progress, job->menuFile, job->resourceFolder, job->language, &job->isCancelled);
     });
     job->isRunning = false;
     return nullptr;
