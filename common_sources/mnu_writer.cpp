@@ -1,0 +1,200 @@
+#include "common_sources/mnu_writer.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include "OB_Daemon/src/logging.h"
+
+namespace {
+
+constexpr char kLogClass[] = "MNUParser";
+
+constexpr std::string_view kModes[] = {
+    "Sketcher",    "Part",   "Sheet_Metal",  "Composite", "Scan_Model", "Assembly", "Drawing", "Manufacture",
+    "Mold",        "Cast",   "Dieface",      "Layout",    "Format",     "Report",   "Markup",  "Diagram",
+    "Interchange", "Legacy", "User_Defined", "Verify",    "Process",    "Nc_Model", "Default",
+};
+
+struct Entry {
+    std::string_view key;
+    std::string_view value;
+};
+
+constexpr std::string_view kMenuValue = "{}";
+constexpr Entry kOwnMenu = {"0Orbikon", kMenuValue};
+constexpr Entry kOwnItems[] = {
+    {"1Toggle Scroll Mode",
+     "{}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's cap on and off."},
+    {"1Toggle Move Mode",
+     "{+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an assembly on and off."},
+};
+constexpr Entry kOwnGermanItems[] = {
+    {"1Fensterrollmodus umschalten", "{}OB_Toggle_Scroll_Mode|Schaltet das Rollen in Listen und Baeumen ein und aus."},
+    {"1Bewegungsmodus umschalten",
+     "{+ 6}OB_Toggle_Object_Move_Mode|"
+     "Schaltet das Bewegen von selektierten Objekten in einer Baugruppe ein und aus."},
+};
+
+// Commands whose names Creo's resources know, and the commands with an option that do the same.
+constexpr Entry kSubstitutions[] = {
+    {"ProCmdViewWireframe", "ProCmdEnvMdlDisp*Wireframe"},
+    {"ProCmdViewShaded", "ProCmdEnvMdlDisp*Shading"},
+    {"ProCmdViewHiddenLine", "ProCmdEnvMdlDisp*Hidden line"},
+    {"ProCmdViewNoHidden", "ProCmdEnvMdlDisp*No hidden"},
+};
+
+constexpr std::size_t kKeyGap = 5;           // blanks behind the longest label
+constexpr std::size_t kMaxLabelSize = 1000;  // every line is as wide as the longest label
+
+using Records = std::vector<const CommandRecord*>;
+
+bool isControl(char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }
+bool isControlOtherThanTab(char c) { return c != '\t' && isControl(c); }
+
+std::string_view writtenCommand(std::string_view command) {
+    const auto found = std::ranges::find(kSubstitutions, command, &Entry::key);
+    return found == std::end(kSubstitutions) ? command : found->value;
+}
+
+Records readableRecords(const Records& records) {
+    Records result;
+    for (const CommandRecord* record : records) {
+        if (const char* reason = unreadableReason(*record)) {
+            OB_LOG(LogLevel::WRN) << "Command left out, " << reason << ": " << record->resourceCommandName;
+        } else {
+            result.push_back(record);
+        }
+    }
+    return result;
+}
+
+// A file that vanishes with this object unless it was published under its final name.
+class TemporaryFile {
+  public:
+    // The process id keeps two Creos that start at the same time apart. One left by a crash is overwritten.
+    explicit TemporaryFile(const std::string& finalPath)
+        : mFinalPath(finalPath), mPath(finalPath + "." + std::to_string(getpid()) + ".tmp"), mStream(mPath) {}
+    ~TemporaryFile() {
+        mStream.close();
+        if (!mIsPublished) std::remove(mPath.c_str());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    std::ofstream& stream() { return mStream; }
+
+    // Empty when everything written has arrived and the file has its final name, otherwise the reason.
+    std::optional<std::string> publish() {
+        mStream.close();
+        if (!mStream) return "Menu file cannot be written: " + mPath;
+        if (!renameToFinal())
+            return "Menu file cannot be created (" + std::string(std::strerror(errno)) + "): " + mFinalPath;
+        mIsPublished = true;
+        return std::nullopt;
+    }
+
+  private:
+    // Never replaces a file: Windows' rename refuses to, and so does link().
+    bool renameToFinal() {
+#ifdef _WIN32
+        return std::rename(mPath.c_str(), mFinalPath.c_str()) == 0;
+#else
+        return link(mPath.c_str(), mFinalPath.c_str()) == 0 && unlink(mPath.c_str()) == 0;
+#endif
+    }
+
+    std::string mFinalPath;
+    std::string mPath;
+    std::ofstream mStream;
+    bool mIsPublished = false;
+};
+
+class MenuFileWriter {
+  public:
+    MenuFileWriter(std::ostream& out, std::size_t keyWidth) : mOut(out), mKeyWidth(keyWidth) {}
+
+    void writeModes() {
+        mOut << "# PTC Creo menubar file\n \n[Modes]\n";
+        int number = 0;
+        for (const std::string_view mode : kModes) writeEntry(mode, std::to_string(++number));
+    }
+
+    void writeOwnMenu(bool isGerman) {
+        mOut << " \n[MenuBar]\n";
+        writeEntry(kOwnMenu.key, kOwnMenu.value);
+        for (const Entry& item : isGerman ? kOwnGermanItems : kOwnItems) writeEntry(item.key, item.value);
+    }
+
+    void writeMenuKey(std::string_view key) { writeEntry(key, kMenuValue); }
+
+    void writeCommand(const CommandRecord& record) {
+        std::string value(kMenuValue);
+        value.append(writtenCommand(record.command)).append("|").append(record.helpText);
+        writeEntry(record.label, value);
+    }
+
+    void writeEnd() { mOut << ' '; }
+
+  private:
+    void writeEntry(std::string_view key, std::string_view value) {
+        const std::size_t blanks = key.size() < mKeyWidth ? mKeyWidth - key.size() : 0;
+        mOut << key << std::string(blanks, ' ') << "= " << value << '\n';
+    }
+
+    std::ostream& mOut;
+    std::size_t mKeyWidth;
+};
+
+}  // namespace
+
+const char* unreadableReason(const CommandRecord& record) {
+    const std::string& label = record.label;
+    const auto first = label.find_first_not_of(' ');
+    if (first == label.npos) return "its label is blank";
+    if (label[first] == '#') return "its label would be read as a comment";
+    if (label[first] == '[') return "its label would be read as a section";
+    if (label.find('=') != label.npos) return "its label holds a '='";
+    if (std::ranges::any_of(label, isControl)) return "its label holds a control character";
+    if (label.size() > kMaxLabelSize) return "its label is too long";
+    if (record.command.find_first_of("#|") != std::string::npos) return "its name holds a '#' or '|'";
+    if (std::ranges::any_of(record.command, isControl)) return "its name holds a control character";
+    if (std::ranges::any_of(record.helpText, isControlOtherThanTab)) return "its help text holds a control character";
+    return nullptr;
+}
+
+std::optional<std::string> writeMenuFile(const std::string& path, const MenuTables::Menus& menus,
+                                         const MenuFileOptions& options) {
+    static constexpr char kCancelled[] = "Menu file generation was cancelled";
+    const auto isCancelled = [&] { return options.cancel && options.cancel->load(std::memory_order_relaxed); };
+    if (std::ifstream(path)) return "Menu file exists already: " + path;
+
+    std::map<std::string_view, Records> readable;
+    std::size_t longestLabel = 0;
+    for (const auto& [key, records] : menus) {
+        if (isCancelled()) return kCancelled;
+        Records& kept = readable[key] = readableRecords(records);
+        std::ranges::stable_sort(kept, {}, &CommandRecord::label);
+        for (const CommandRecord* record : kept) longestLabel = std::max(longestLabel, record->label.size());
+    }
+
+    TemporaryFile file(path);
+    MenuFileWriter writer(file.stream(), longestLabel + kKeyGap);
+    writer.writeModes();
+    writer.writeOwnMenu(options.isGerman);
+    for (const auto& [key, records] : readable) {
+        if (!records.empty()) writer.writeMenuKey(key);
+        for (const CommandRecord* record : records) {
+            if (isCancelled()) return kCancelled;
+            writer.writeCommand(*record);
+        }
+        if (options.afterMenu) options.afterMenu();
+    }
+    writer.writeEnd();
+    return file.publish();
+}

@@ -1,0 +1,26 @@
+// Writing of the menu file; docs/menu-file.md describes its format.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "common_sources/mnu_menus.h"
+
+// Why the menu file's readers could not read a command's line back, so that it would be lost or would shift or cut
+// the table of commands; null when they can.
+const char* unreadableReason(const CommandRecord& record);
+
+struct MenuFileOptions {
+    bool isGerman = false;                      // language of the plug-in's own entries
+    const std::atomic<bool>* cancel = nullptr;  // ends the writing when set; may be null
+    std::function<void()> afterMenu;            // called after each of the menus; may be empty
+};
+
+// Writes a complete new menu file. Records that could not be read back are left out and logged. The text goes to a
+// temporary file beside the final one, which takes the final name only when all of it is written; an existing file
+// is never replaced. Result: empty when done, otherwise the reason; then no file is left behind.
+std::optional<std::string> writeMenuFile(const std::string& path, const MenuTables::Menus& menus,
+                                         const MenuFileOptions& options);
