@@ -36,10 +36,10 @@ const std::string& Request::word(std::size_t i) const {
 }
 
 int Request::number(std::size_t i) const {
-    const std::string& text = word(i);
+    const std::string& digits = word(i);
     int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc{} || end != text.data() + text.size()) throw ControlError("\"" + text + "\" is no number");
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (error != std::errc{} || end != digits.data() + digits.size()) throw ControlError("\"" + digits + "\" is no number");
     return value;
 }
 

@@ -9,7 +9,7 @@ namespace workbench {
 namespace {
 
 constexpr double UNIT_TOLERANCE = 1e-6;
-constexpr double FIT_SHARE = 0.85;  // of the window's shorter side
+constexpr double FIT_SHARE = 1.1;  // of the window's shorter side; a body is smaller than its box's diagonal
 constexpr double SCALE_MIN = 1e-3;
 constexpr double SCALE_MAX = 1e4;
 constexpr Vec3 X{1.0, 0.0, 0.0};
