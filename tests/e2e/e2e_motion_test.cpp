@@ -217,7 +217,7 @@ TEST(Motion, FailingToolkit) {
             << name << " was not called while it failed";
         const Frame frame = bench.positions().at(kShaft);
         EXPECT_TRUE(isOrthonormal(frame, 1e-9)) << name;
-        bench.host("fail " + name + " 0");
+        bench.host("fail " + name + " -1 0");
     }
     const Frame before = bench.positions().at(kShaft);
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(kShaft).origin - before.origin) > 1.0; }))
