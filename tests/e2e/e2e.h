@@ -43,22 +43,21 @@ std::string menuText(const std::vector<std::string>& commands = {});
 
 // A workbench whose daemon and host run, the plug-in loaded.
 class Bench : public Workbench {
- public:
-    explicit Bench(const Keys& settings = {},
-                   const std::vector<std::string>& commands = {});
+  public:
+    explicit Bench(const Keys& settings = {}, const std::vector<std::string>& commands = {});
 
     Frames positions();
-    Frame view();                                 // rows as answered: with scale and shift
-    std::array<Vector, 3> screenAxes();           // screen right, up and towards the viewer, in model coordinates
-    std::string status(const std::string& key);   // of the host
+    Frame view();                                // rows as answered: with scale and shift
+    std::array<Vector, 3> screenAxes();          // screen right, up and towards the viewer, in model coordinates
+    std::string status(const std::string& key);  // of the host
     void push(int tx, int ty, int tz, int rx, int ry, int rz);
     // Releases the cap and waits until components and view rest.
     void release();
     // Switches the mode and component move mode by the plug-in's menu.
     void openAssemblyForMoving();
-    void expectLog(const std::string& text);      // waits for it
+    void expectLog(const std::string& text);  // waits for it
 
- private:
+  private:
     std::string statusValue(const std::vector<std::string>& lines, const std::string& key) const;
 };
 

@@ -39,7 +39,8 @@ TEST(Motion, TranslationFollowsTheScreensAxes) {
             bench.push(t[0], t[1], t[2], 0, 0, 0);
             ASSERT_TRUE(waitFor([&] {
                 return length(bench.positions().at(kShaft).origin - before.at(kShaft).origin) > 1.0;
-            })) << "axis " << axis;
+            })) << "axis "
+                << axis;
             bench.release();
             const Frames after = bench.positions();
             const Vector way = after.at(kShaft).origin - before.at(kShaft).origin;
@@ -147,9 +148,7 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "0"; }));
     const Frame viewAtRest = bench.view();
     bench.push(100, 0, 0, 0, 0, 0);
-    EXPECT_TRUE(waitFor([&] {
-        return length(bench.positions().at(kShaft).origin - before.at(kShaft).origin) > 1.0;
-    }));
+    EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(kShaft).origin - before.at(kShaft).origin) > 1.0; }));
     bench.release();
     EXPECT_LT(length(bench.view().origin - viewAtRest.origin), 1e-9) << "the view moved, too";
     EXPECT_EQ(bench.daemonStatus("legacy_sets"), "1");
