@@ -53,6 +53,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/host/geometry.h"
 #include "workbench/pipes/line_pipe.h"
 
 namespace workbench {
@@ -81,6 +82,9 @@ struct ControlCommand {
 
 std::vector<ControlCommand> queryCommands();
 std::vector<ControlCommand> actionCommands();
+
+// The 16 numbers of a transform, row by row, in full precision.
+std::string numberText(const Transform& transform);
 
 // Carries out one request. User-interface thread.
 Reply answerControl(const std::string& request);

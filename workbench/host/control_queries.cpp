@@ -2,7 +2,6 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <tlhelp32.h>
 
 #include <cstdio>
 
@@ -16,6 +15,7 @@
 #include "workbench/host/notifications.h"
 #include "workbench/host/plugin_call.h"
 #include "workbench/host/plugins.h"
+#include "workbench/host/process_counts.h"
 #include "workbench/host/scroll_window.h"
 #include "workbench/host/selection_arrays.h"
 #include "workbench/host/text_files.h"
@@ -27,36 +27,6 @@ namespace workbench {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-std::string numbers(const Transform& transform) {
-    std::string text;
-    for (const auto& row : transform.m) {
-        for (const double value : row) {
-            char number[32];
-            std::snprintf(number, sizeof number, "%.17g", value);
-            text += (text.empty() ? "" : " ") + std::string(number);
-        }
-    }
-    return text;
-}
-
-DWORD handleCount() {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
-
-int threadCount() {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof entry;
-    int count = 0;
-    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
-        if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
-    }
-    CloseHandle(snapshot);
-    return count;
-}
 
 std::string selectionText() {
     std::string text;
@@ -89,7 +59,6 @@ void status(const Request&, Lines& lines) {
     addNumber("outstanding_arrays", selectionArrays().outstanding());
     addNumber("handles", handleCount());
     addNumber("threads", threadCount());
-    addNumber("gdi_objects", GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS));
     add("plugin", plugins().state());
     addNumber("misalign", int{isMisalignmentOn()});
     addNumber("mapkeys", state.mapkeys.mapkeys().size());
@@ -107,7 +76,7 @@ void status(const Request&, Lines& lines) {
 void positions(const Request&, Lines& lines) {
     for (const Component& component : host().model().components) {
         if (component.isDeleted) continue;
-        lines.push_back(std::to_string(component.id) + " " + component.name + " " + numbers(component.position));
+        lines.push_back(std::to_string(component.id) + " " + component.name + " " + numberText(component.position));
     }
 }
 
