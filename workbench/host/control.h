@@ -31,7 +31,7 @@
 //   model NAME                  opens a model as the File menu does, notifications included
 //   window NUMBER | auto        what the current-window query answers (no notification)
 //   view set N1 ... N9          orientation, row by row
-//   menu click LABEL            item of the plug-in's menu, as by a click
+//   menu click LABEL            item of the plug-in's menu, by its label or its name, as by a click
 //   command NAME [OPTION]       as from the menu: the undo stack is kept
 //   macro TEXT                  queued as by the toolkit: the undo stack is lost
 //   undo, redo

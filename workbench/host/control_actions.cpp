@@ -104,7 +104,7 @@ void view(const Request& request, Lines& lines) {
 void clickMenu(const std::string& label) {
     for (const Menu& entry : menuBar().menus()) {
         for (const MenuItem& item : entry.items) {
-            if (!entry.isOfPlugin || item.label != label) continue;
+            if (!entry.isOfPlugin || (item.label != label && item.name != label)) continue;
             requireDone(runCommand(item.command, item.option));
             return;
         }
