@@ -156,6 +156,7 @@ void front(const Request& request, Lines&) {
 
 void fail(const Request& request, Lines&) {
     constexpr int ALWAYS = -1;
+    require(ToolkitCalls::isKnown(request.word(0)), "there is no toolkit function " + request.word(0));
     toolkitCalls().fail(request.word(0), request.number(1), request.words.size() > 2 ? request.number(2) : ALWAYS);
 }
 
