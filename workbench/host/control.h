@@ -47,6 +47,11 @@
 //   misalign on | off           calls the plug-in on stacks 4, 8, 12 past a 16-byte boundary in turn
 //   plugin terminate | initialize | unload | load | reload N
 //   exit                        ends the host
+//
+// Windows: main strip toolbar tree container graphics dock message tabs accessory accessory_list, and in the dock's
+// panels
+//   properties: listview edit    library: listbox treeview    tables: gxwnd graphdraw    results: list wheeltree
+//   browser: browser             palette: overlap_small (upon) overlap_large
 #pragma once
 
 #include <stdexcept>

@@ -166,6 +166,12 @@ void scroll(const Request& request, Lines& lines) {
     if (request.word(0) == "toolbar") lines.push_back("offset " + std::to_string(toolbarOffset()));
 }
 
+void calls(const Request& request, Lines& lines) {
+    const std::string& function = request.word(0);
+    if (!ToolkitCalls::isKnown(function)) throw ControlError("there is no toolkit function " + function);
+    lines.push_back(std::to_string(toolkitCalls().callsOf(function)));
+}
+
 void access(const Request& request, Lines& lines) {
     const Command* command = commands().find(request.word(0));
     if (command == nullptr) throw ControlError("there is no command " + request.word(0));
@@ -203,8 +209,7 @@ std::vector<ControlCommand> queryCommands() {
         {"windows", listWindows},
         {"top", topWindows},
         {"scroll", scroll},
-        {"calls", [](const Request& request,
-                     Lines& lines) { lines.push_back(std::to_string(toolkitCalls().callsOf(request.word(0)))); }},
+        {"calls", calls},
         {"access", access},
         {"messages",
          [](const Request&, Lines& lines) { lines.assign(host().messages().begin(), host().messages().end()); }},
