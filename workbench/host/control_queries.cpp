@@ -3,6 +3,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "workbench/host/commands.h"
@@ -47,7 +48,9 @@ void status(const Request&, Lines& lines) {
     addNumber("sketch", int{state.isSketchActive()});
     add("model", state.model().name);
     addNumber("window", state.window());
-    addNumber("components", state.model().components.size());
+    const auto& components = state.model().components;
+    addNumber("components",
+              std::count_if(components.begin(), components.end(), [](const auto& c) { return !c.isDeleted; }));
     addNumber("selected", state.selection().size());
     add("selection", selectionText());
     addNumber("undo", state.history.undoDepth());

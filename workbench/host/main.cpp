@@ -52,6 +52,14 @@ void followParent(unsigned long id) {
     }).detach();
 }
 
+// Ctrl+Z and Ctrl+Y, wherever the focus is. True when the key was one of them.
+bool runShortcut(const MSG& message) {
+    if (message.message != WM_KEYDOWN || (GetKeyState(VK_CONTROL) & 0x8000) == 0) return false;
+    if (message.wParam != 'Z' && message.wParam != 'Y') return false;
+    runCommand(message.wParam == 'Z' ? "ProCmdEditUndo" : "ProCmdEditRedo", "");
+    return true;
+}
+
 // The file dialog for people; macros use ProCmdUtilTrailTrain.
 void askForTrailFile() {
     wchar_t path[MAX_PATH] = L"";
@@ -111,9 +119,9 @@ int run(const Options& options) {
     std::optional<CapKeys> capKeys;
     if (options.isInteractive) {
         capKeys.emplace();
-        setKeyFilter([&](const MSG& message) { return capKeys->filter(message); });
         host().message(std::string("Cap keys: ") + CAP_KEYS);
     }
+    setKeyFilter([&](const MSG& message) { return (capKeys && capKeys->filter(message)) || runShortcut(message); });
     bool isStarted = true;
     if (options.loadsPlugin) {
         plugins().findRegistered();
