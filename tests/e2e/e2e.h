@@ -33,8 +33,10 @@ double length(const Vector& a);
 // Turns a vector about a unit axis by an angle in radians, with quaternions.
 Vector turned(const Vector& v, const Vector& axis, double angle);
 
+using Keys = std::map<std::string, std::string>;
+
 // A settings file in which `changes` (key -> value) replace defaults, and everything is logged to the file.
-std::string settingsText(const std::map<std::string, std::string>& changes = {});
+std::string settingsText(const Keys& changes = {});
 
 // A menu file with the modes and the given commands, one menu; indices 0 and 1 are the plug-in's own toggles.
 std::string menuText(const std::vector<std::string>& commands = {});
@@ -42,7 +44,7 @@ std::string menuText(const std::vector<std::string>& commands = {});
 // A workbench whose daemon and host run, the plug-in loaded.
 class Bench : public Workbench {
  public:
-    explicit Bench(const std::map<std::string, std::string>& settings = {},
+    explicit Bench(const Keys& settings = {},
                    const std::vector<std::string>& commands = {});
 
     Frames positions();

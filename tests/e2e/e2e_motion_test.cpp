@@ -87,7 +87,7 @@ TEST(Motion, OneComponentTurnsAboutItsOwnOriginRightHanded) {
 
 // A group turns about the middle of its origins: that point stays, distances stay, axes stay orthonormal.
 TEST(Motion, GroupTurnsAboutItsCentreAsARigidBody) {
-    Bench bench({{"rotSensBase", "20000"}});
+    Bench bench(Keys{{"rotSensBase", "20000"}});
     bench.openAssemblyForMoving();
     bench.host("select 39 41 58/3");  // a part of the sub-assembly stands for the whole of it
     const std::vector<int> group{39, 41, 58};
@@ -165,7 +165,7 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
 }
 
 TEST(Motion, ThousandComponents) {
-    Bench bench({{"maxContMoveTime", "1"}});
+    Bench bench(Keys{{"maxContMoveTime", "1"}});
     bench.host("components 1000");
     bench.openAssemblyForMoving();
     bench.host("components 1000");
@@ -188,7 +188,7 @@ TEST(Motion, ThousandComponents) {
 
 // Long turning about all axes, as a user does: the frame stays a frame.
 TEST(Motion, ThousandsOfStepsKeepTheFrameOrthonormal) {
-    Bench bench({{"maxContMoveTime", "500"}});
+    Bench bench(Keys{{"maxContMoveTime", "500"}});
     bench.openAssemblyForMoving();
     bench.host("select " + std::to_string(kShaft));
     const auto steps = [&] { return std::stoi(bench.host("calls ProAsmcompPositionSet").at(0)); };
@@ -217,7 +217,7 @@ TEST(Motion, FailingToolkit) {
             << name << " was not called while it failed";
         const Frame frame = bench.positions().at(kShaft);
         EXPECT_TRUE(isOrthonormal(frame, 1e-9)) << name;
-        bench.host("fail " + name + " 0");
+        bench.host("fail " + name + " -1 0");
     }
     const Frame before = bench.positions().at(kShaft);
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(kShaft).origin - before.origin) > 1.0; }))
@@ -227,7 +227,7 @@ TEST(Motion, FailingToolkit) {
 
 // Settings whose divisors become 0 move nothing, and say so.
 TEST(Motion, UselessDivisorsMoveNothing) {
-    Bench bench({{"transSensBase", "499"}, {"rotSensBase", "0"}});
+    Bench bench(Keys{{"transSensBase", "499"}, {"rotSensBase", "0"}});
     bench.openAssemblyForMoving();
     bench.host("select all");
     const Frames before = bench.positions();
