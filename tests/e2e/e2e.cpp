@@ -96,6 +96,9 @@ Bench::Bench(const std::map<std::string, std::string>& settings, const std::vect
     : Workbench({.settings = settingsText(settings), .menuFile = menuText(commands), .plugin = {}, .textDir = {}}) {
     startDaemon();
     startHost({"--require-plugin"});
+    if (!waitFor([&] { return daemonStatus("application") == "xtopCreo"; })) {
+        throw std::runtime_error("the plug-in does not connect to the daemon");
+    }
 }
 
 Frames Bench::positions() {

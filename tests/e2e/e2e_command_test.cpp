@@ -55,7 +55,7 @@ TEST_P(Commands, ButtonChangesThePictureAndTheUndoStackIsKeptByTheMapkeyOnly) {
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(41).origin - original.at(41).origin) < 1e-9; }))
         << "undo by a button restores the moved component";
     EXPECT_EQ(workbench::readTextFile(bench.temp() / "orbikon-trail.txt"),
-              "!trail file version No. 1500\r\n~ Command `ProCmdEditUndo`;\r\n!End of Trail File\r\n");
+              "!trail file version No. 1500\n~ Command `ProCmdEditUndo`;\n!End of Trail File\n");
 }
 
 TEST_P(Commands, UnknownCommandAndTooBigIndex) {

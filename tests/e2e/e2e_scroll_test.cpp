@@ -158,7 +158,7 @@ TEST_F(Scroll, SmallestOfOverlappingSiblings) {
 // Only controls of the window in front scroll; and nothing does when scrolling is off.
 TEST_F(Scroll, OnlyInTheWindowInFrontAndOnlyWhenSwitchedOn) {
     bench.host("panel library");
-    bench.host("front accessory");
+    bench.host("front accessory");  // beside the list, not upon it
     bench.host("cursor listbox");
     bench.push(0, 0, 150, 0, 0, 0);
     expectAtRest("listbox");
