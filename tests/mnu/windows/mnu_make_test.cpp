@@ -59,7 +59,7 @@ TEST_F(MnuMake, MakesAMenuFileAndNeverReplacesOne) {
     EXPECT_EQ(run(quoted(data) + "French " + quoted(menuFile)), 0u) << printed;
     EXPECT_THAT(printed, testing::HasSubstr("100%"));
     const std::string made = readFile(menuFile);
-    EXPECT_THAT(made, testing::HasSubstr("ProCmdViewRefit"));
+    EXPECT_THAT(made, testing::HasSubstr("ProCmdEnvMdlDisp"));
     EXPECT_EQ(run(quoted(data) + "german " + quoted(menuFile)), 3u) << printed;
     EXPECT_EQ(readFile(menuFile), made);
 }
