@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Collects what a seat with Creo needs into out/package: the plug-in without debug information, its message files,
+# the command-line generator of menu files, a registration file to adapt, the documentation and the licence.
+set -euo pipefail
+. "$(dirname "$0")/../scripts/common.sh"
+
+scripts/setup.sh run
+build_preset windows-x86 orbikon_creo mnu_make
+package=out/package
+rm -rf "$package"
+mkdir -p "$package"
+cp build/windows-x86/orbikon_creo.dll build/windows-x86/mnu_make.exe "$package/"
+i686-w64-mingw32-strip "$package/orbikon_creo.dll" "$package/mnu_make.exe"
+cp -r build/windows-x86/text packaging/protk.dat docs LICENSE "$package/"
+echo "$package:"
+ls "$package"

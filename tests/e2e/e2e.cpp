@@ -1,0 +1,168 @@
+#include "tests/e2e/e2e.h"
+
+#include <cmath>
+#include <sstream>
+#include <stdexcept>
+
+namespace e2e {
+
+namespace {
+
+constexpr int kMaxAxis = 350;  // a firm push of the cap
+
+// All keys of the settings file with the defaults, but with everything logged.
+const std::vector<std::pair<std::string, std::string>> kProgram = {
+    {"name", "Geiplaigok"},     {"version", "2.8.6"},           {"transSensBase", "40000"},
+    {"rotSensBase", "10000"},   {"minThreshold", "0"},          {"maxContMoveTime", "200"},
+    {"maxFrameTime", "100"},    {"blockTransInRotMode", "off"}, {"scrollTreeAndList", "off"},
+    {"readMode", "on"},         {"mnuLanguage", "english"},     {"useMapkeyForCommands", "off"},
+    {"mapkeyDefinition", "ob"},
+};
+const std::vector<std::pair<std::string, std::string>> kLogging = {
+    {"logFile", "Creo_plugin_log.txt"},
+    {"maxSize", "50000"},
+    {"logToFile", "on"},
+    {"logToCnsl", "off"},
+    {"warning", "on"},
+    {"creation", "on"},
+    {"trace", "on"},
+    {"devcom", "off"},
+    {"intcom", "off"},
+    {"info", "off"},
+    {"debug", "on"},
+    {"tmp", "off"},
+    {"fileToLog", ""},
+};
+
+std::vector<double> numbersOf(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<double> numbers;
+    for (double number; stream >> number;) numbers.push_back(number);
+    return numbers;
+}
+
+Frame frameOf(const std::vector<double>& m) {
+    if (m.size() != 16) throw std::runtime_error("no matrix of 16 numbers");
+    return {{{{m[0], m[1], m[2]}, {m[4], m[5], m[6]}, {m[8], m[9], m[10]}}}, {m[12], m[13], m[14]}};
+}
+
+}  // namespace
+
+Vector operator+(const Vector& a, const Vector& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
+Vector operator-(const Vector& a, const Vector& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+Vector operator*(const Vector& a, double factor) { return {a[0] * factor, a[1] * factor, a[2] * factor}; }
+double dot(const Vector& a, const Vector& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+double length(const Vector& a) { return std::sqrt(dot(a, a)); }
+
+Vector turned(const Vector& v, const Vector& axis, double angle) {
+    const double w = std::cos(angle / 2);
+    const Vector q = axis * std::sin(angle / 2);
+    const auto cross = [](const Vector& a, const Vector& b) {
+        return Vector{a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+    };
+    const Vector t = cross(q, v) * 2.0;
+    return v + t * w + cross(q, t);
+}
+
+std::string settingsText(const std::map<std::string, std::string>& changes) {
+    std::string text;
+    const auto append = [&](const char* section, const auto& keys) {
+        text += "[" + std::string(section) + "]\n";
+        for (const auto& [key, value] : keys) {
+            const auto change = changes.find(key);
+            text += "\t" + key + " = " + (change != changes.end() ? change->second : value) + "\n";
+        }
+        text += "\n";
+    };
+    append("PROGRAM", kProgram);
+    append("LOGGING", kLogging);
+    return text;
+}
+
+std::string menuText(const std::vector<std::string>& commands) {
+    std::string text = "# PTC Creo menubar file\n \n[Modes]\n";
+    int number = 0;
+    for (const char* mode : {"Sketcher", "Part", "Sheet_Metal", "Composite", "Scan_Model", "Assembly", "Drawing"}) {
+        text += std::string(mode) + "   = " + std::to_string(++number) + "\n";
+    }
+    text +=
+        " \n[MenuBar]\n0Orbikon   = {}\n1Toggle Scroll Mode   = {}OB_Toggle_Scroll_Mode|help\n"
+        "1Toggle Move Mode   = {+ 6}OB_Toggle_Object_Move_Mode|help\n0View   = {}\n";
+    for (const auto& command : commands) text += "Label of " + command + "   = {}" + command + "|help\n";
+    return text + " ";
+}
+
+Bench::Bench(const std::map<std::string, std::string>& settings, const std::vector<std::string>& commands)
+    : Workbench({.settings = settingsText(settings), .menuFile = menuText(commands), .plugin = {}, .textDir = {}}) {
+    startDaemon();
+    startHost({"--require-plugin"});
+}
+
+Frames Bench::positions() {
+    Frames frames;
+    for (const std::string& line : host("positions")) {
+        std::istringstream stream(line);
+        int id = 0;
+        std::string name, rest;
+        stream >> id >> name;
+        std::getline(stream, rest);
+        frames[id] = frameOf(numbersOf(rest));
+    }
+    return frames;
+}
+
+Frame Bench::view() { return frameOf(numbersOf(host("view").at(0))); }
+
+std::array<Vector, 3> Bench::screenAxes() {
+    // The view turns model rows into screen rows: the model direction that is shown along screen axis k is column k
+    // of its rotation.
+    const Frame now = view();
+    std::array<Vector, 3> axes;
+    for (int k = 0; k < 3; ++k) {
+        const Vector column{now.axes[0][k], now.axes[1][k], now.axes[2][k]};
+        axes[k] = column * (1.0 / length(column));
+    }
+    return axes;
+}
+
+std::string Bench::status(const std::string& key) { return statusValue(host("status"), key); }
+
+std::string Bench::statusValue(const std::vector<std::string>& lines, const std::string& key) const {
+    for (const std::string& line : lines) {
+        if (line.starts_with(key + "=")) return line.substr(key.size() + 1);
+    }
+    throw std::runtime_error("the host's status has no '" + key + "'");
+}
+
+void Bench::push(int tx, int ty, int tz, int rx, int ry, int rz) {
+    std::string command = "axes";
+    for (const int axis : {tx, ty, tz, rx, ry, rz}) {
+        if (std::abs(axis) > kMaxAxis) throw std::runtime_error("nobody pushes the cap that far");
+        command += " " + std::to_string(axis);
+    }
+    daemon(command);
+}
+
+void Bench::release() {
+    push(0, 0, 0, 0, 0, 0);
+    std::vector<std::string> last;
+    waitFor([&] {
+        std::vector<std::string> now = host("positions");
+        now.push_back(host("view").at(0));
+        const bool isAtRest = now == last;
+        last = std::move(now);
+        if (!isAtRest) Sleep(150);  // longer than the plug-in's slow timer
+        return isAtRest;
+    });
+}
+
+void Bench::openAssemblyForMoving() {
+    host("model GEARBOX.ASM");
+    host("menu click Toggle Move Mode");
+}
+
+void Bench::expectLog(const std::string& text) {
+    EXPECT_TRUE(waitFor([&] { return log().find(text) != std::string::npos; })) << "not in the log: " << text;
+}
+
+}  // namespace e2e

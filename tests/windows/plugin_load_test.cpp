@@ -1,0 +1,154 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+#include "tests/windows/process_state.h"
+
+namespace {
+
+using ::testing::Each;
+using ::testing::UnorderedElementsAre;
+
+// A module mapped into the process, seen through its headers.
+class ModuleImage {
+  public:
+    explicit ModuleImage(HMODULE module) : mBase(reinterpret_cast<const char*>(module)) {}
+
+    std::vector<std::string> exportedNames() const {
+        const auto* exports = at<IMAGE_EXPORT_DIRECTORY>(directory(IMAGE_DIRECTORY_ENTRY_EXPORT));
+        std::vector<std::string> names;
+        for (DWORD i = 0; i < exports->NumberOfNames; ++i) {
+            names.emplace_back(at<char>(at<DWORD>(exports->AddressOfNames)[i]));
+        }
+        return names;
+    }
+
+    std::vector<std::string> importedLibraries() const {
+        std::vector<std::string> names;
+        for (auto* entry = at<IMAGE_IMPORT_DESCRIPTOR>(directory(IMAGE_DIRECTORY_ENTRY_IMPORT)); entry->Name != 0;
+             ++entry) {
+            std::string name = at<char>(entry->Name);
+            std::transform(name.begin(), name.end(), name.begin(), ::tolower);
+            names.push_back(name);
+        }
+        return names;
+    }
+
+  private:
+    template <typename T>
+    const T* at(DWORD address) const {
+        return reinterpret_cast<const T*>(mBase + address);
+    }
+    DWORD directory(int index) const {
+        const auto* dos = at<IMAGE_DOS_HEADER>(0);
+        return at<IMAGE_NT_HEADERS>(static_cast<DWORD>(dos->e_lfanew))
+            ->OptionalHeader.DataDirectory[index]
+            .VirtualAddress;
+    }
+
+    const char* mBase;
+};
+
+class PluginLoad : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        mPath = programFolder() + "\\" + PLUGIN_FROM_TESTS;
+        mProfile = programFolder() + "\\profile_" + std::to_string(GetCurrentProcessId());
+        const std::string folder = mProfile + "\\OrbikonController\\Applications";
+        for (auto end = folder.find('\\', mProfile.size()); end != std::string::npos;
+             end = folder.find('\\', end + 1)) {
+            CreateDirectoryA(folder.substr(0, end).c_str(), nullptr);
+        }
+        CreateDirectoryA(folder.c_str(), nullptr);
+        // Everything is logged, so that the threads are inside the log as often as can be.
+        std::ofstream(folder + "\\Creo_plugin.ini")
+            << "[PROGRAM]\n\ttransSensBase = 40000\n\trotSensBase = 10000\n\tmaxContMoveTime = "
+               "100\n\tuseMapkeyForCommands = on\n"
+            << "\n[LOGGING]\n\tlogFile = log.txt\n\tmaxSize = 100\n\tlogToFile = on\n\twarning = on\n"
+            << "\tcreation = on\n\ttrace = on\n\tinfo = on\n\tdebug = on\n\ttmp = on\n\tfileToLog =\n";
+        SetEnvironmentVariableA("USERPROFILE", mProfile.c_str());
+        _putenv_s("USERPROFILE", mProfile.c_str());
+    }
+
+    std::string log() const {
+        std::ostringstream text;
+        text << std::ifstream(mProfile + "\\OrbikonController\\log.txt").rdbuf();
+        return text.str();
+    }
+
+    template <typename Function>
+    static Function* find(HMODULE module, const char* name) {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    }
+
+    std::string mPath;
+    std::string mProfile;
+};
+
+TEST_F(PluginLoad, ExportsTwoFunctionsAndImportsOnlyWhatEveryWindowsHas) {
+    const HMODULE plugin = LoadLibraryA(mPath.c_str());
+    ASSERT_NE(plugin, nullptr) << GetLastError();
+    const ModuleImage image(plugin);
+    EXPECT_THAT(image.exportedNames(), UnorderedElementsAre("user_initialize", "user_terminate"));
+    EXPECT_THAT(image.importedLibraries(), Each(::testing::AnyOf("kernel32.dll", "user32.dll", "msvcrt.dll",
+                                                                 "gdi32.dll", "comctl32.dll", "advapi32.dll")));
+    FreeLibrary(plugin);
+}
+
+// Nothing of the outside world is there: no toolkit function, no driver library, no Creo window.
+TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
+    constexpr int kRounds = 5;
+    const DWORD process = GetCurrentProcessId();
+    int threads = 0, handles = 0;
+    for (int round = 0; round <= kRounds; ++round) {
+        const HMODULE plugin = LoadLibraryA(mPath.c_str());
+        ASSERT_NE(plugin, nullptr) << GetLastError();
+        auto* initialize = find<int()>(plugin, "user_initialize");
+        auto* terminate = find<void()>(plugin, "user_terminate");
+        ASSERT_TRUE(initialize != nullptr && terminate != nullptr);
+        terminate();  // without a start it does nothing
+        EXPECT_EQ(initialize(), 0);
+        EXPECT_EQ(initialize(), 0) << "a second start is no second plug-in";
+        terminate();
+        FreeLibrary(plugin);
+        if (round == 0) {  // the first round also fetches what the run-times keep
+            threads = countThreads(process);
+            handles = countHandles(process);
+        }
+    }
+    EXPECT_EQ(countThreads(process), threads);
+    EXPECT_LE(countHandles(process) - handles, 2 * kRounds) << "more than the two threads' handles a round";
+    const std::string contents = log();
+    for (const char* text :
+         {"Error in ProCmdOptionAdd()! err=-1", "Error in ProMenubarMenuAdd()! err=-1",
+          "No valid Creo Window Handle found for Timer", "Cannot set Mapkey (ob)! => Normal Methode",
+          "Error in obConnect()!", "obk_ctrlr_32.dll not found.", "user_initialize() called twice!"}) {
+        EXPECT_TRUE(contents.find(text) != std::string::npos) << text;
+    }
+}
+
+TEST_F(PluginLoad, ProcessEndsWithoutTerminate) {
+    for (int round = 0; round < 3; ++round) {
+        std::string command = "\"" + programFolder() + "\\exit_without_terminate.exe\" \"" + mPath + "\"";
+        STARTUPINFOA startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION process{};
+        ASSERT_TRUE(
+            CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
+        const DWORD waited = WaitForSingleObject(process.hProcess, 30000);
+        DWORD code = 0;
+        GetExitCodeProcess(process.hProcess, &code);
+        if (waited != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 1);
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+        ASSERT_EQ(waited, WAIT_OBJECT_0) << "hangs at its end";
+        EXPECT_EQ(code, 42u);
+    }
+}
+
+}  // namespace

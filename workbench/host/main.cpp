@@ -1,0 +1,152 @@
+// The workbench's host: stands in for the CAD application. See control.h for how it is steered from outside.
+//
+// Exit codes: 0 ended as asked, 2 command line not understood, 3 no plug-in could be started (--require-plugin),
+// 4 the windows or the control pipe could not be made, 70 crashed.
+#include <windows.h>
+// after windows.h
+#include <commdlg.h>
+
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <thread>
+
+#include "workbench/host/commands.h"
+#include "workbench/host/control.h"
+#include "workbench/host/crash_guard.h"
+#include "workbench/host/device_support.h"
+#include "workbench/host/frame.h"
+#include "workbench/host/host_state.h"
+#include "workbench/host/interactive.h"
+#include "workbench/host/macro_runner.h"
+#include "workbench/host/options.h"
+#include "workbench/host/plugin_call.h"
+#include "workbench/host/plugins.h"
+#include "workbench/host/text_files.h"
+#include "workbench/host/ui_loop.h"
+
+using namespace workbench;
+
+namespace {
+
+constexpr int EXIT_USAGE = 2;
+constexpr int EXIT_NO_PLUGIN = 3;
+constexpr int EXIT_NO_WINDOWS = 4;
+
+// A windows program has no console of its own; started from one, it writes there.
+void attachConsole() {
+    if (GetStdHandle(STD_ERROR_HANDLE) != nullptr || !AttachConsole(ATTACH_PARENT_PROCESS)) return;
+    std::freopen("CONOUT$", "w", stdout);
+    std::freopen("CONOUT$", "w", stderr);
+}
+
+// Ends the host together with the process that started it: in order, or at once when that takes too long.
+void followParent(unsigned long id) {
+    constexpr DWORD ORDERLY_END_MS = 10000;
+    const HANDLE parent = OpenProcess(SYNCHRONIZE, FALSE, id);
+    std::thread([parent] {
+        if (parent != nullptr) WaitForSingleObject(parent, INFINITE);
+        postToUi([] { quitUiLoop(0); });
+        Sleep(ORDERLY_END_MS);
+        TerminateProcess(GetCurrentProcess(), 0);
+    }).detach();
+}
+
+// Ctrl+Z and Ctrl+Y, wherever the focus is. True when the key was one of them.
+bool runShortcut(const MSG& message) {
+    if (message.message != WM_KEYDOWN || (GetKeyState(VK_CONTROL) & 0x8000) == 0) return false;
+    if (message.wParam != 'Z' && message.wParam != 'Y') return false;
+    runCommand(message.wParam == 'Z' ? "ProCmdEditUndo" : "ProCmdEditRedo", "");
+    return true;
+}
+
+// The file dialog for people; macros use ProCmdUtilTrailTrain.
+void askForTrailFile() {
+    wchar_t path[MAX_PATH] = L"";
+    OPENFILENAMEW ask{};
+    ask.lStructSize = sizeof ask;
+    ask.hwndOwner = frame().window();
+    ask.lpstrFilter = L"Trail files (*.txt)\0*.txt\0All files\0*.*\0";
+    ask.lpstrFile = path;
+    ask.nMaxFile = MAX_PATH;
+    ask.Flags = OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
+    if (GetOpenFileNameW(&ask)) playTrailFile(wideToUtf8(path));
+}
+
+void addProgramCommands(bool isInteractive) {
+    // Shown by a task of its own, so that whoever ran the command need not wait until it is closed.
+    const auto showText = [](const std::string& text, const char* title) {
+        postToUi([=] { MessageBoxA(frame().window(), text.c_str(), title, MB_OK | MB_ICONINFORMATION); });
+        return true;
+    };
+    const auto add = [](const char* name, std::function<bool(const std::string&)> run) {
+        Command command;
+        command.name = name;
+        command.label = name;
+        command.run = std::move(run);
+        commands().add(std::move(command));
+    };
+    add("ProCmdAppExit", [](const auto&) {
+        quitUiLoop(0);
+        return true;
+    });
+    add("ProCmdHelpKeys", [=](const auto&) {
+        return showText(
+            "Graphics: left button selects, Ctrl adds; middle button turns, with Shift shifts; wheel zooms.\n" +
+                std::string(isInteractive ? "Cap keys: " : "Cap keys (only with --interactive): ") + CAP_KEYS,
+            "Keys and mouse");
+    });
+    add("ProCmdHelpAbout", [=](const auto&) {
+        return showText("Workbench host: stands in for Creo Parametric while the plug-in is developed and tested.",
+                        "About");
+    });
+    add("ProCmdUtilTrailPlay", [](const auto&) {
+        postToUi(askForTrailFile);
+        return true;
+    });
+}
+
+int run(const Options& options) {
+    guardAgainstCrashes();
+    openUiLoop();
+    setMisalignment(options.misaligns);
+    addBuiltinCommands();
+    addProgramCommands(options.isInteractive);
+    frame().create();
+    if (options.parent != 0) followParent(options.parent);
+    std::optional<LineServer> control(std::in_place, pipeName("creo_control"), answerControlFromAnyThread);
+    std::optional<DeviceSupport> device(std::in_place);
+    std::optional<CapKeys> capKeys;
+    if (options.isInteractive) {
+        capKeys.emplace();
+        host().message(std::string("Cap keys: ") + CAP_KEYS);
+    }
+    setKeyFilter([&](const MSG& message) { return (capKeys && capKeys->filter(message)) || runShortcut(message); });
+    bool isStarted = true;
+    if (options.loadsPlugin) {
+        plugins().findRegistered();
+        isStarted = plugins().isAnyRegistered() && plugins().start();
+        if (!plugins().isAnyRegistered()) host().message("No application is registered.");
+    }
+    if (!isStarted && options.requiresPlugin) postToUi([] { quitUiLoop(EXIT_NO_PLUGIN); });
+    const int exitCode = runUiLoop();
+    plugins().unload();
+    return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    attachConsole();
+    const Options options = parseOptions({argv + 1, argv + argc});
+    if (!options.error.empty()) {
+        std::fprintf(stderr, "creo_host: %s\n%s\n", options.error.c_str(), USAGE);
+        return EXIT_USAGE;
+    }
+    try {
+        return run(options);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "creo_host: %s\n", error.what());
+        return EXIT_NO_WINDOWS;
+    }
+}

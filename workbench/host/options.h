@@ -1,0 +1,23 @@
+// The host's command line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace workbench {
+
+struct Options {
+    bool loadsPlugin = true;      // --no-plugin
+    bool requiresPlugin = false;  // --require-plugin: exit code when none could be started
+    bool isInteractive = false;   // --interactive: keys push the cap
+    bool misaligns = false;       // --misalign: as control's "misalign on", from the start
+    unsigned long parent = 0;     // --parent PID: end with that process
+    std::string error;            // "" when the command line is understood
+};
+
+Options parseOptions(const std::vector<std::string>& arguments);
+
+inline constexpr const char* USAGE =
+    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--misalign] [--parent PID]";
+
+}  // namespace workbench

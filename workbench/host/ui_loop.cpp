@@ -1,0 +1,143 @@
+#include "workbench/host/ui_loop.h"
+
+#include <algorithm>
+#include <atomic>
+#include <deque>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+#include "workbench/host/macro_runner.h"
+#include "workbench/host/timer_procs.h"
+
+namespace workbench {
+namespace {
+
+constexpr UINT WM_RUN_TASKS = WM_APP + 1;
+constexpr UINT WM_HEARTBEAT = WM_APP + 2;
+constexpr DWORD HEARTBEAT_MS = 10;
+constexpr wchar_t CLASS_NAME[] = L"CreoHostMessages";
+
+DWORD threadId = 0;
+HWND messageWindow = nullptr;
+KeyFilter keyFilter = [](const MSG&) { return false; };
+
+std::mutex taskLock;
+std::deque<std::function<void()>> tasks;
+bool isLoopOver = false;  // guarded by taskLock; nobody would run a task any more
+
+std::atomic<bool> isHeartbeatPending{false};
+std::atomic<DWORD> heartbeatSent{0};
+std::atomic<std::uint32_t> longestBlock{0};
+std::atomic<bool> isClosing{false};
+
+void runTasks() {
+    for (;;) {
+        std::function<void()> task;
+        {
+            const std::lock_guard guard(taskLock);
+            if (tasks.empty()) return;
+            task = std::move(tasks.front());
+            tasks.pop_front();
+        }
+        task();
+    }
+}
+
+void noteBlock(std::uint32_t blocked) {
+    std::uint32_t known = longestBlock;
+    while (blocked > known && !longestBlock.compare_exchange_weak(known, blocked)) {
+    }
+}
+
+LRESULT CALLBACK messageProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_RUN_TASKS) runTasks();
+    if (message == WM_HEARTBEAT) {
+        noteBlock(GetTickCount() - heartbeatSent);
+        isHeartbeatPending = false;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// Posts a heartbeat whenever the last one was answered.
+void beat() {
+    while (!isClosing) {
+        if (!isHeartbeatPending) {
+            heartbeatSent = GetTickCount();
+            isHeartbeatPending = true;
+            PostMessageW(messageWindow, WM_HEARTBEAT, 0, 0);
+        }
+        Sleep(HEARTBEAT_MS);
+    }
+}
+
+bool isEditField(HWND window) {
+    wchar_t name[16] = L"";
+    GetClassNameW(window, name, 16);
+    return lstrcmpiW(name, L"Edit") == 0;
+}
+
+// A key press that was posted together with its character must not bring that character a second time.
+bool hasItsCharacter(const MSG& keyDown) {
+    MSG next;
+    return PeekMessageW(&next, keyDown.hwnd, WM_CHAR, WM_CHAR, PM_NOREMOVE) != 0;
+}
+
+void serve(const MSG& message) {
+    const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
+    if (isKey && keyFilter(message)) return;
+    if (message.message == WM_CHAR && !isEditField(message.hwnd)) {
+        typeMapkeyCharacter(static_cast<char>(message.wParam));
+    }
+    if (isKey && !(message.message == WM_KEYDOWN && hasItsCharacter(message))) TranslateMessage(&message);
+    if (message.message == WM_TIMER && dispatchTimerOnOffsetStack(message)) return;
+    DispatchMessageW(&message);
+}
+
+}  // namespace
+
+void openUiLoop() {
+    threadId = GetCurrentThreadId();
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = messageProc;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.lpszClassName = CLASS_NAME;
+    RegisterClassW(&windowClass);
+    messageWindow =
+        CreateWindowExW(0, CLASS_NAME, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, windowClass.hInstance, nullptr);
+    if (messageWindow == nullptr) throw std::runtime_error("the message window cannot be made");
+}
+
+DWORD uiThreadId() { return threadId; }
+
+void postToUi(std::function<void()> task) {
+    {
+        const std::lock_guard guard(taskLock);
+        if (isLoopOver) return;
+        tasks.push_back(std::move(task));
+    }
+    PostMessageW(messageWindow, WM_RUN_TASKS, 0, 0);
+}
+
+int runUiLoop() {
+    std::thread heart(beat);
+    MSG message{};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) serve(message);
+    isClosing = true;
+    heart.join();
+    const std::lock_guard guard(taskLock);
+    isLoopOver = true;
+    tasks.clear();
+    return static_cast<int>(message.wParam);
+}
+
+void quitUiLoop(int exitCode) { PostQuitMessage(exitCode); }
+
+void setKeyFilter(KeyFilter filter) { keyFilter = std::move(filter); }
+
+std::uint32_t takeLongestBlock() {
+    const std::uint32_t pending = isHeartbeatPending ? GetTickCount() - heartbeatSent : 0;
+    return std::max(longestBlock.exchange(0), pending);
+}
+
+}  // namespace workbench

@@ -1,0 +1,42 @@
+// Small helpers for windows.
+#pragma once
+
+#include <stdexcept>
+
+#include <windows.h>
+
+namespace workbench {
+
+inline HINSTANCE program() { return GetModuleHandleW(nullptr); }
+
+// The one font of all controls.
+inline HFONT uiFont() {
+    static const HFONT FONT = CreateFontW(-12, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                                          CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH | FF_SWISS, L"Tahoma");
+    return FONT;
+}
+
+inline void registerWindowClass(const wchar_t* name, WNDPROC procedure, HBRUSH background, UINT style = 0) {
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = procedure;
+    windowClass.hInstance = program();
+    windowClass.lpszClassName = name;
+    windowClass.hbrBackground = background;
+    windowClass.style = style;
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    RegisterClassW(&windowClass);
+}
+
+inline HWND makeChild(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, DWORD extended = 0) {
+    const HWND window = CreateWindowExW(extended, className, text, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style, 0,
+                                        0, 10, 10, parent, nullptr, program(), nullptr);
+    if (window == nullptr) throw std::runtime_error("a child window cannot be made");
+    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(uiFont()), TRUE);
+    return window;
+}
+
+inline void place(HWND window, int x, int y, int width, int height) {
+    SetWindowPos(window, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+}  // namespace workbench
