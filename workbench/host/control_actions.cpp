@@ -15,6 +15,7 @@
 #include "workbench/host/text_files.h"
 #include "workbench/host/toolkit_call.h"
 #include "workbench/host/ui_loop.h"
+#include "workbench/host/window_tools.h"
 
 namespace workbench {
 namespace {
@@ -149,8 +150,7 @@ void cursor(const Request& request, Lines&) {
 void front(const Request& request, Lines&) {
     const HWND top = windowNamed(request.word(0));
     require(GetAncestor(top, GA_ROOT) == top, request.word(0) + " is no top-level window");
-    ShowWindow(top, SW_SHOW);
-    SetForegroundWindow(top);
+    bringInFront(top);
     require(GetForegroundWindow() == top, "the window cannot be brought in front");
 }
 
