@@ -164,6 +164,13 @@ void Bench::openAssemblyForMoving() {
     host("menu click Toggle Move Mode");
 }
 
+void Bench::selectForMoving(const std::string& what) {
+    host("select " + what);
+    if (!waitFor([&] { return daemonStatus("legacy") == "0"; })) {
+        throw std::runtime_error("the plug-in does not take the motion");
+    }
+}
+
 void Bench::expectLog(const std::string& text) {
     EXPECT_TRUE(waitFor([&] { return log().find(text) != std::string::npos; })) << "not in the log: " << text;
 }

@@ -55,6 +55,8 @@ class Bench : public Workbench {
     void release();
     // Switches the mode and component move mode by the plug-in's menu.
     void openAssemblyForMoving();
+    // Selects and waits until the plug-in has taken the motion from the host's own device support.
+    void selectForMoving(const std::string& what);
     void expectLog(const std::string& text);  // waits for it
 
   private:

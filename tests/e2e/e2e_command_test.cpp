@@ -22,7 +22,7 @@ class Commands : public ::testing::TestWithParam<const char*> {
     }
     void moveShaft() {
         bench.openAssemblyForMoving();
-        bench.host("select 41");
+        bench.selectForMoving("41");
         const Frames before = bench.positions();
         bench.push(200, 0, 0, 0, 0, 0);
         ASSERT_TRUE(waitFor([&] { return length(bench.positions().at(41).origin - before.at(41).origin) > 1.0; }));

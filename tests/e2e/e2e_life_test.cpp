@@ -83,7 +83,7 @@ TEST(Start, WorksOnMisalignedStacks) {
     bench.host("front main");
     bench.host("cursor graphics");
     bench.openAssemblyForMoving();
-    bench.host("select all");
+    bench.selectForMoving("all");
     const Frames before = bench.positions();
     for (const char* type : {"18", "24", "41", "72", "73"}) bench.host("notify " + std::string(type));
     bench.push(100, -50, 20, 10, 20, 30);
@@ -157,7 +157,7 @@ TEST(Mode, OnlyTheMainWindowsModeCounts) {
 TEST(Timer, FindsANewWindow) {
     Bench bench;
     bench.openAssemblyForMoving();
-    bench.host("select 41");
+    bench.selectForMoving("41");
     bench.host("rebuild");
     menuOf(bench);
     const Frames before = bench.positions();
