@@ -64,7 +64,7 @@ Vector turned(const Vector& v, const Vector& axis, double angle) {
     return v + t * w + cross(q, t);
 }
 
-std::string settingsText(const std::map<std::string, std::string>& changes) {
+std::string settingsText(const Keys& changes) {
     std::string text;
     const auto append = [&](const char* section, const auto& keys) {
         text += "[" + std::string(section) + "]\n";
@@ -92,10 +92,20 @@ std::string menuText(const std::vector<std::string>& commands) {
     return text + " ";
 }
 
-Bench::Bench(const std::map<std::string, std::string>& settings, const std::vector<std::string>& commands)
-    : Workbench({.settings = settingsText(settings), .menuFile = menuText(commands), .plugin = {}, .textDir = {}}) {
+workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile) {
+    workbench::WorkbenchOptions options;
+    options.settings = std::move(settings);
+    options.menuFile = std::move(menuFile);
+    return options;
+}
+
+Bench::Bench(const Keys& settings, const std::vector<std::string>& commands)
+    : Bench(optionsWith(settingsText(settings), menuText(commands))) {}
+
+Bench::Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment)
+    : Workbench(options) {
     startDaemon();
-    startHost({"--require-plugin"});
+    startHost({"--require-plugin"}, environment);
     if (!waitFor([&] { return daemonStatus("application") == "xtopCreo"; })) {
         throw std::runtime_error("the plug-in does not connect to the daemon");
     }

@@ -41,10 +41,15 @@ std::string settingsText(const Keys& changes = {});
 // A menu file with the modes and the given commands, one menu; indices 0 and 1 are the plug-in's own toggles.
 std::string menuText(const std::vector<std::string>& commands = {});
 
+// The settings file and menu file that the plug-in meets; none = it meets no such file.
+workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile);
+
 // A workbench whose daemon and host run, the plug-in loaded.
 class Bench : public Workbench {
   public:
     explicit Bench(const Keys& settings = {}, const std::vector<std::string>& commands = {});
+
+    explicit Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment = {});
 
     Frames positions();
     Frame view();                                // rows as answered: with scale and shift

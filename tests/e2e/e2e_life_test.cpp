@@ -56,7 +56,7 @@ TEST(Start, CallbacksAfterTheEndAreHarmless) {
 }
 
 TEST(Start, FirstStartWritesSettingsAndToleratesBadOnes) {
-    Workbench fresh({.settings = {}, .menuFile = menuText(), .plugin = {}, .textDir = {}});
+    Workbench fresh(optionsWith({}, menuText()));
     fresh.startHost({"--require-plugin"});
     EXPECT_TRUE(waitFor([&] {
         return workbench::readTextFile(fresh.settingsFile()).find("\tfileToLog               = ") != std::string::npos;
@@ -65,7 +65,7 @@ TEST(Start, FirstStartWritesSettingsAndToleratesBadOnes) {
 
     for (const std::string& content : {std::string(), std::string("\0\xff\x1a[PROGRAM", 11), std::string(1 << 20, 'x'),
                                        std::string("[LOGGING]\n\tlogToFile = on\n\tmaxSize = abc\n")}) {
-        Workbench bad({.settings = content, .menuFile = menuText(), .plugin = {}, .textDir = {}});
+        Workbench bad(optionsWith(content, menuText()));
         const std::string bytes = bytesOf(bad.settingsFile());
         bad.startDaemon();
         bad.startHost({"--require-plugin"});
