@@ -33,30 +33,33 @@ double length(const Vector& a);
 // Turns a vector about a unit axis by an angle in radians, with quaternions.
 Vector turned(const Vector& v, const Vector& axis, double angle);
 
+using Keys = std::map<std::string, std::string>;
+
 // A settings file in which `changes` (key -> value) replace defaults, and everything is logged to the file.
-std::string settingsText(const std::map<std::string, std::string>& changes = {});
+std::string settingsText(const Keys& changes = {});
 
 // A menu file with the modes and the given commands, one menu; indices 0 and 1 are the plug-in's own toggles.
 std::string menuText(const std::vector<std::string>& commands = {});
 
 // A workbench whose daemon and host run, the plug-in loaded.
 class Bench : public Workbench {
- public:
-    explicit Bench(const std::map<std::string, std::string>& settings = {},
-                   const std::vector<std::string>& commands = {});
+  public:
+    explicit Bench(const Keys& settings = {}, const std::vector<std::string>& commands = {});
 
     Frames positions();
-    Frame view();                                 // rows as answered: with scale and shift
-    std::array<Vector, 3> screenAxes();           // screen right, up and towards the viewer, in model coordinates
-    std::string status(const std::string& key);   // of the host
+    Frame view();                                // rows as answered: with scale and shift
+    std::array<Vector, 3> screenAxes();          // screen right, up and towards the viewer, in model coordinates
+    std::string status(const std::string& key);  // of the host
     void push(int tx, int ty, int tz, int rx, int ry, int rz);
     // Releases the cap and waits until components and view rest.
     void release();
     // Switches the mode and component move mode by the plug-in's menu.
     void openAssemblyForMoving();
-    void expectLog(const std::string& text);      // waits for it
+    // Selects and waits until the plug-in has taken the motion from the host's own device support.
+    void selectForMoving(const std::string& what);
+    void expectLog(const std::string& text);  // waits for it
 
- private:
+  private:
     std::string statusValue(const std::vector<std::string>& lines, const std::string& key) const;
 };
 

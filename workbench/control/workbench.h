@@ -58,7 +58,7 @@ class Workbench {
     std::filesystem::path settingsFolder() const;
     std::filesystem::path settingsFile() const { return settingsFolder() / "Creo_plugin.ini"; }
     std::filesystem::path menuFile() const { return settingsFolder() / "Creo.mnu"; }
-    std::filesystem::path logFile() const { return settingsFolder() / "Creo_plugin_log.txt"; }
+    std::filesystem::path logFile() const { return settingsFolder().parent_path() / "Creo_plugin_log.txt"; }
     std::filesystem::path hostOutputFile() const { return mFolder / "host_output.txt"; }
     std::filesystem::path daemonOutputFile() const { return mFolder / "daemon_output.txt"; }
 

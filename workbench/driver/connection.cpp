@@ -26,7 +26,8 @@ std::optional<Fields> fieldsOf(const Reply& reply) {
 bool Connection::connect(int device, const std::string& application) {
     const std::lock_guard lock(mCommandLock);
     if (const int old = mSession.exchange(kNoSession); old != kNoSession) ask(Operation::disconnect, old, {});
-    if (!mCommands.isOpen() && !mCommands.open(pipeName(kDataRole), kOpenMs)) return false;
+    // Always anew: the pipe that is open may lead to a daemon that was ended since.
+    if (!mCommands.open(pipeName(kDataRole), kOpenMs)) return false;
 
     const Fields arguments{std::to_string(GetCurrentProcessId()), std::to_string(device), application};
     const Reply reply = mCommands.ask(request(Operation::connect, arguments), kAnswerMs);
@@ -62,6 +63,8 @@ std::optional<Fields> Connection::read(int device) {
     if (session == kNoSession) return std::nullopt;
     const std::lock_guard lock(mReadLock);
     const std::string text = request(Operation::readDeviceData, {std::to_string(session), std::to_string(device)});
+    if (mReadSession != session) mReads.close();  // may lead to a daemon that was ended since
+    mReadSession = session;
     while (mSession == session) {
         if (!mReads.isOpen() && !mReads.open(pipeName(kDataRole), kOpenMs)) {
             lose(session);

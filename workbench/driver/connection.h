@@ -44,7 +44,8 @@ class Connection {
     std::optional<Fields> mLogFlags;  // guarded by mCommandLock; nothing before setLogFlags
 
     std::mutex mReadLock;
-    LineClient mReads;  // guarded by mReadLock; a connection of its own, since reads wait
+    LineClient mReads;              // guarded by mReadLock; a connection of its own, since reads wait
+    int mReadSession = kNoSession;  // that mReads was opened for; guarded by mReadLock
 
     std::atomic<int> mSession{kNoSession};  // set by connect; reset by disconnect and when the daemon is found gone
 };

@@ -101,6 +101,7 @@ struct LineServer::Impl {
     void welcome(Handle instance);
     void serve(Client& client);
     Reply answer(const std::string& request);
+    bool isStopping() const { return WaitForSingleObject(stop.get(), 0) == WAIT_OBJECT_0; }
     bool send(HANDLE pipe, const Reply& reply);
     void removeFinished();
 };
@@ -121,7 +122,7 @@ LineServer::~LineServer() {
 }
 
 void LineServer::Impl::accept(Handle instance) {
-    while (WaitForSingleObject(stop.get(), 0) != WAIT_OBJECT_0) {
+    while (!isStopping()) {
         if (!instance) {
             instance = createInstance(name);
             if (!instance) WaitForSingleObject(stop.get(), kRetryMs);
@@ -165,7 +166,9 @@ void LineServer::Impl::serve(Client& client) {
     std::string received;
     std::string request;
     bool isConnected = true;
-    while (isConnected && readSome(client.pipe.get(), received, stop.get(), INFINITE) == Transfer::done) {
+    // A client that asks without a pause must not hide the stop.
+    while (isConnected && !isStopping() &&
+           readSome(client.pipe.get(), received, stop.get(), INFINITE) == Transfer::done) {
         while (isConnected && takeLine(received, request)) isConnected = send(client.pipe.get(), answer(request));
         if (received.size() > kMaxRequest) isConnected = false;
     }
@@ -186,9 +189,9 @@ Reply LineServer::Impl::answer(const std::string& request) {
 bool LineServer::Impl::send(HANDLE pipe, const Reply& reply) {
     // A request that the server itself stops on ("quit") still gets its answer.
     const std::string text = encode(reply);
-    const bool isStopping = WaitForSingleObject(stop.get(), 0) == WAIT_OBJECT_0;
-    return writeAll(pipe, text, isStopping ? nullptr : stop.get(), isStopping ? kLastWriteMs : INFINITE) ==
-           Transfer::done;
+    const Transfer result =
+        isStopping() ? writeAll(pipe, text, nullptr, kLastWriteMs) : writeAll(pipe, text, stop.get(), INFINITE);
+    return result == Transfer::done;
 }
 
 LineClient::~LineClient() { close(); }
