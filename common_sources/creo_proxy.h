@@ -98,6 +98,11 @@ class CreoProxy {
 
     // --- For the reading thread ---
     void setRotationMode(std::int32_t mode, bool firstFlag, bool secondFlag);
+    struct RotationMode {
+        std::int32_t mode;
+        bool firstFlag, secondFlag;
+    };
+    RotationMode rotationMode() const { return {mRotationMode, mRotationFlag1, mRotationFlag2}; }
     void setContextFlag(std::uint8_t flag) { mContextFlag = flag; }
 
   private:
