@@ -16,7 +16,7 @@ const char* unreadableReason(const CommandRecord& record);
 struct MenuFileOptions {
     bool isGerman = false;                      // language of the plug-in's own entries
     const std::atomic<bool>* cancel = nullptr;  // ends the writing when set; may be null
-    std::function<void()> afterMenu;            // called after each of the menus; may be empty
+    std::function<void()> afterMenu = {};       // called after each of the menus; may be empty
 };
 
 // Writes a complete new menu file. Records that could not be read back are left out and logged. The text goes to a

@@ -1,0 +1,213 @@
+#include "common_sources/mnu_writer.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "common_sources/menu_file.h"
+#include "common_sources/mnuParser.h"
+#include "config/cnfg.h"
+
+#ifndef _WIN32
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class MenuFile : public testing::Test {
+  protected:
+    MenuFile() { std::filesystem::create_directories(folder); }
+    ~MenuFile() override { std::filesystem::remove_all(folder); }
+
+    std::vector<std::string> filesInFolder() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.push_back(entry.path().filename().string());
+        }
+        return names;
+    }
+
+    // Text of the file with every line end as a line feed.
+    std::string content() const {
+        std::ifstream file(path, std::ios::binary);
+        std::string text{std::istreambuf_iterator<char>(file), {}};
+        std::erase(text, '\r');
+        return text;
+    }
+
+    std::vector<std::string> commandsReadBack() const {
+        Cnfg file(path);
+        return readMenuFileContent(file).commands;
+    }
+
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "orbikon_mnu_writer_test";
+    const std::string path = (folder / "Creo.mnu").string();
+};
+
+constexpr char kScroll[] = "OB_Toggle_Scroll_Mode";
+constexpr char kMove[] = "OB_Toggle_Object_Move_Mode";
+
+TEST_F(MenuFile, IsWrittenToTheByte) {
+    MNUParser parser;
+    parser.AddResource("VIEW_MENU_PANE.RES", "ProCmdViewShaded ProCmdViewRefit");
+    parser.AddResource("EDIT_MENU_PANE.RES", "ProCmdEditUndo ProCmdViewRefit");
+    parser.AddResource("PROCMDVIEWSHADED.TXT", "] COMMAND.LABEL\nShading\n&Schattieren\n");
+    parser.AddResource("PROCMDVIEWREFIT.TXT", "] COMMAND.LABEL\nRefit\nEin&passen\n] COMMAND.HELPTEXT\nAll.\nAlles.\n");
+    parser.AddResource("PROCMDEDITUNDO.TXT", "] COMMAND.LABEL\nUndo\nEin\n");
+    parser.AddResource("PROCMDNOWHERE.TXT", "] COMMAND.LABEL\nA very long label\nEine sehr lange Beschriftung\n");
+    ASSERT_TRUE(parser.WriteMNUFile(path)) << parser.failure();
+    EXPECT_EQ(content(),
+              "# PTC Creo menubar file\n"
+              " \n"
+              "[Modes]\n"
+              "Sketcher        = 1\nPart            = 2\nSheet_Metal     = 3\nComposite       = 4\n"
+              "Scan_Model      = 5\nAssembly        = 6\nDrawing         = 7\nManufacture     = 8\n"
+              "Mold            = 9\nCast            = 10\nDieface         = 11\nLayout          = 12\n"
+              "Format          = 13\nReport          = 14\nMarkup          = 15\nDiagram         = 16\n"
+              "Interchange     = 17\nLegacy          = 18\nUser_Defined    = 19\nVerify          = 20\n"
+              "Process         = 21\nNc_Model        = 22\nDefault         = 23\n"
+              " \n"
+              "[MenuBar]\n"
+              "0Orbikon        = {}\n"
+              "1Toggle Scroll Mode= {}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's "
+              "cap on and off.\n"
+              "1Toggle Move Mode= {+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an "
+              "assembly on and off.\n"
+              "0EDIT_MENU      = {}\n"
+              "Ein             = {}ProCmdEditUndo|\n"
+              "Einpassen       = {}ProCmdViewRefit|Alles.\n"
+              "0VIEW_MENU      = {}\n"
+              "Einpassen       = {}ProCmdViewRefit|Alles.\n"
+              "Schattieren     = {}ProCmdEnvMdlDisp*Shading|\n"
+              " ");
+    EXPECT_THAT(filesInFolder(), ElementsAre("Creo.mnu"));
+}
+
+struct RecordCase {
+    const char* what;
+    CommandRecord record;
+    bool isWritten;
+};
+
+// Whatever stands in the resources: the commands before and behind it keep their places in the table.
+TEST_F(MenuFile, ReadsBackWithoutShiftOrCut) {
+    const auto labelled = [](const std::string& label) { return CommandRecord{"X", "ProCmdX", label, "help"}; };
+    const auto named = [](const std::string& name) { return CommandRecord{"X", name, "label", "help"}; };
+    const auto helped = [](const std::string& help) { return CommandRecord{"X", "ProCmdX", "label", help}; };
+    const RecordCase cases[] = {
+        {"ordinary", labelled("Refit"), true},
+        {"blanks around", labelled("  Refit  "), true},
+        {"comment inside", labelled("C# tool"), true},
+        {"section inside", labelled("Tools [all]"), true},
+        {"brace", labelled("a}b|c"), true},
+        {"code page",
+         labelled("\xdc"
+                  "bersicht"),
+         true},
+        {"blank", labelled("   "), false},
+        {"comment", labelled("#1 tool"), false},
+        {"comment behind blanks", labelled("  #1 tool"), false},
+        {"section", labelled("[Modes]"), false},
+        {"open section", labelled("[Modes"), false},
+        {"equals", labelled("a=b"), false},
+        {"equals and comment", labelled("a=#"), false},
+        {"tab", labelled("a\tb"), false},
+        {"tab and comment", labelled("a\t#"), false},
+        {"carriage return", labelled("a\rb"), false},
+        {"line feed", labelled("a\n[Modes]"), false},
+        {"NUL", labelled(std::string("a\0b", 3)), false},
+        {"end of text file", labelled("a\x1a"), false},
+        {"as long as a book", labelled(std::string(10'000'000, 'x')), false},
+        {"name with comment", named("ProCmd#"), false},
+        {"name with bar", named("ProCmd|X"), false},
+        {"name with line feed", named("ProCmd\n"), false},
+        {"name with end of text file", named("ProCmd\x1a"), false},
+        {"name with brace", named("ProCmd}X"), true},
+        {"help with comment", helped("# number"), true},
+        {"help with everything", helped("a = {b} | [c]\t"), true},
+        {"help with line feed", helped("a\nb"), false},
+        {"help with carriage return", helped("a\rb"), false},
+        {"help with end of text file", helped("a\x1a"), false},
+    };
+    for (const RecordCase& c : cases) {
+        const CommandRecord before{"A", "ProCmdBefore", "!", "help"};
+        const CommandRecord behind{"B", "ProCmdBehind", "\xff", "help"};
+        const MenuTables::Menus menus = {{"0M", {&before, &c.record, &behind}}, {"0N", {&behind}}};
+        ASSERT_EQ(writeMenuFile(path, menus, {}), std::nullopt) << c.what;
+        std::vector<std::string> expected = {kScroll, kMove, before.command, behind.command, behind.command};
+        const auto at = expected.begin() + (c.record.label < before.label ? 2 : 3);
+        if (c.isWritten) expected.insert(at, c.record.command);
+        EXPECT_EQ(commandsReadBack(), expected) << c.what;
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(MenuFile, LeavesOutAMenuWithoutReadableCommandsAndItsWidth) {
+    const CommandRecord unreadable{"X", "ProCmdX", "# a label much longer than the others", ""};
+    const CommandRecord readable{"Y", "ProCmdY", "Short", ""};
+    ASSERT_EQ(writeMenuFile(path, {{"0M", {&unreadable}}, {"0N", {&readable}}}, {.isGerman = true}), std::nullopt);
+    EXPECT_THAT(content(), testing::Not(HasSubstr("0M")));
+    EXPECT_THAT(content(), HasSubstr("\n0N        = {}\nShort     = {}ProCmdY|\n "));
+    EXPECT_THAT(content(), HasSubstr("1Bewegungsmodus umschalten= {+ 6}OB_Toggle_Object_Move_Mode|Schaltet"));
+}
+
+TEST_F(MenuFile, IsNeverReplaced) {
+    std::ofstream(path) << "mine";
+    MNUParser parser;
+    EXPECT_FALSE(parser.WriteMNUFile(path));
+    EXPECT_THAT(parser.failure(), HasSubstr("exists already"));
+    EXPECT_EQ(content(), "mine");
+    EXPECT_THAT(filesInFolder(), ElementsAre("Creo.mnu"));
+}
+
+// Somebody else's file that appears while this one is being written stays as it is.
+TEST_F(MenuFile, DoesNotReplaceOneThatAppearsMeanwhile) {
+    const CommandRecord record{"X", "ProCmdX", "label", ""};
+    const auto reason =
+        writeMenuFile(path, {{"0M", {&record}}}, {.afterMenu = [&] { std::ofstream(path) << "other"; }});
+    EXPECT_TRUE(reason.has_value());
+    EXPECT_EQ(content(), "other");
+    EXPECT_THAT(filesInFolder(), ElementsAre("Creo.mnu"));
+}
+
+TEST_F(MenuFile, LeavesNothingBehindWhenCancelled) {
+    const CommandRecord record{"X", "ProCmdX", "label", ""};
+    std::atomic<bool> cancel{false};
+    const MenuTables::Menus menus = {{"0M", {&record}}, {"0N", {&record}}};
+    const auto reason = writeMenuFile(path, menus, {.cancel = &cancel, .afterMenu = [&] { cancel = true; }});
+    EXPECT_TRUE(reason.has_value());
+    EXPECT_THAT(filesInFolder(), IsEmpty());
+}
+
+TEST_F(MenuFile, FailsInAFolderThatDoesNotExist) {
+    MNUParser parser;
+    EXPECT_FALSE(parser.WriteMNUFile((folder / "missing" / "Creo.mnu").string()));
+    EXPECT_FALSE(parser.failure().empty());
+    EXPECT_THAT(filesInFolder(), IsEmpty());
+}
+
+#ifndef _WIN32
+TEST_F(MenuFile, LeavesNothingBehindWhenTheDiskIsFull) {
+    const CommandRecord record{"X", "ProCmdX", "label", std::string(100'000, 'x')};
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit small = before;
+    small.rlim_cur = 50'000;
+    std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    const auto reason = writeMenuFile(path, {{"0M", {&record}}}, {});
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_TRUE(reason.has_value());
+    EXPECT_THAT(filesInFolder(), IsEmpty());
+}
+#endif
+
+}  // namespace
