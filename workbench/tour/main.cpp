@@ -12,6 +12,7 @@
 #include "workbench/tour/build_commit.h"
 #include "workbench/tour/options.h"
 #include "workbench/tour/scenes.h"
+#include "workbench/tour/window_frames.h"
 
 namespace {
 
@@ -58,6 +59,7 @@ int playTour(const TourOptions& options) {
     record.started = dateAndTime(std::time(nullptr));
     record.build = buildFacts();
     {
+        const WindowFrames frames;
         Stage stage(options.out, record);
         for (const Scene& scene : scenes()) {
             const bool isNamed = std::ranges::find(options.only, scene.name) != options.only.end();

@@ -1,4 +1,6 @@
 // Move mode and scroll mode by the menu and by buttons.
+#include <algorithm>
+
 #include "workbench/tour/scenes.h"
 
 namespace workbench {
@@ -10,6 +12,9 @@ struct Toggle {
     bool isOnAtStart;
 };
 constexpr Toggle kToggles[] = {{kMoveToggle, kMoveCommand, false}, {kScrollToggle, kScrollCommand, true}};
+
+constexpr const char* kMenuClass = "#32768";  // Windows' own for pop-up menus
+constexpr int kMenuPatienceMs = 3000;
 
 std::string onOff(bool isOn) { return isOn ? "on" : "off"; }
 
@@ -36,19 +41,24 @@ void clickAndCheck(Stage& stage, Step& step, const Toggle& toggle, bool wanted) 
                before != wanted && after == wanted);
 }
 
-// The menu is opened as by the keyboard, so that it stands open for the picture, and closed again.
+// The plug-in's menu is opened by keys, as a user does without the mouse, and closed again after the picture.
 void shootMenu(Stage& stage, Step& step, const std::string& caption) {
     const HWND main = stage.window("main");
-    const auto popup = [] { return FindWindowW(L"#32768", nullptr); };
-    PostMessageW(main, WM_SYSCOMMAND, SC_KEYMENU, 'o');
-    const bool isOpen = waitFor([&] { return popup() != nullptr && IsWindowVisible(popup()); }, 3000);
-    if (isOpen) {
-        stage.awaitTicks();
-        stage.shootScreen(step, caption);
-    }
-    step.check("Menu is open for the picture", "", isOpen ? "yes" : "no", "yes", isOpen);
-    PostMessageW(main, WM_CANCELMODE, 0, 0);
-    waitFor([&] { return popup() == nullptr || !IsWindowVisible(popup()); }, 3000);
+    const auto menus = stage.bench().host("menus");
+    const auto place = std::ranges::find(menus, "Orbikon") - menus.begin();
+    const auto isOpen = [] {
+        const HWND popup = FindWindowA(kMenuClass, nullptr);
+        return popup != nullptr && IsWindowVisible(popup);
+    };
+    PostMessageA(main, WM_SYSCOMMAND, SC_KEYMENU, 0);  // selects the first menu
+    for (auto i = 0; i < place; ++i) PostMessageA(main, WM_KEYDOWN, VK_RIGHT, 0);
+    PostMessageA(main, WM_KEYDOWN, VK_DOWN, 0);
+    const bool wasOpen = waitFor(isOpen, kMenuPatienceMs);
+    stage.awaitTicks();
+    stage.shoot(step, caption);
+    step.check("Menu open for the picture", "", wasOpen ? "yes" : "no", "yes", wasOpen);
+    for (int i = 0; i < 2; ++i) PostMessageA(main, WM_KEYDOWN, VK_ESCAPE, 0);
+    waitFor([&] { return !isOpen(); }, kMenuPatienceMs);
 }
 
 }  // namespace
