@@ -19,6 +19,11 @@ if(ORBIKON_SANITIZE)
   add_link_options(-fsanitize=${ORBIKON_SANITIZE})
 endif()
 
+if(ORBIKON_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
 if(WIN32)
   # Creo and Windows guarantee 4-byte stack alignment only, so every function that needs more aligns its own frame.
   # SSE arithmetic keeps results independent of the precision that the host sets in the x87 control word.

@@ -57,7 +57,7 @@ struct CreoProxy::GenerationJob {
     std::string menuFile;
     std::string resourceFolder;
     std::string language;
-    std::atomic<bool> isCancelled{false};
+    const std::atomic<bool>* isCancelled;
     std::atomic<bool> isRunning{true};
     bool hasSucceeded = false;  // valid once isRunning is false
     pthread_t thread{};
@@ -88,6 +88,7 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
     }
     mGeneration = std::make_shared<GenerationJob>();
     mGeneration->progress = &mMenuFileProgress;
+    mGeneration->isCancelled = &mIsEnding;
     mGeneration->menuFile = path;
     mGeneration->resourceFolder = loadpoint + kResourceFolder;
     mGeneration->language = language;
@@ -104,16 +105,15 @@ void* CreoProxy::generationEntry(void* generation) {
     auto* job = static_cast<GenerationJob*>(generation);
     job->hasSucceeded = atEdge("generationEntry", false, [job] {
         MNUParser parser;
-        return parser.CreateMNU(job->progress, job->menuFile, job->resourceFolder, job->language, &job->isCancelled);
+        return parser.CreateMNU(job->progress, job->menuFile, job->resourceFolder, job->language, job->isCancelled);
     });
     job->isRunning = false;
     return nullptr;
 }
 
-// Cancels the generation if it still runs and waits for its thread, which looks at the flag every few entries.
+// Waits for the generating thread, which looks every few entries whether it is cancelled.
 void CreoProxy::endGeneration() {
     if (mGeneration == nullptr) return;
-    mGeneration->isCancelled = true;
     pthread_join(mGeneration->thread, nullptr);
     mGeneration.reset();
 }

@@ -87,8 +87,8 @@ class CreoProxy {
     bool toggleScrolling();
 
     // --- Timer and windows ---
-    // Lets the timer end after the current tick.
-    void stopRearming() { mIsRearmed = false; }
+    // Lets the timer end after the current tick, and a generation of the menu file as soon as it can.
+    void stopRearming() { mIsEnding = true; }
     // Looks for Creo's windows again, and arms the timer, when one of the known ones is gone.
     void checkWindows();
     // One timer tick, and the two steps of the window search: true = go on with the enumeration.
@@ -98,6 +98,11 @@ class CreoProxy {
 
     // --- For the reading thread ---
     void setRotationMode(std::int32_t mode, bool firstFlag, bool secondFlag);
+    struct RotationMode {
+        std::int32_t mode;
+        bool firstFlag, secondFlag;
+    };
+    RotationMode rotationMode() const { return {mRotationMode, mRotationFlag1, mRotationFlag2}; }
     void setContextFlag(std::uint8_t flag) { mContextFlag = flag; }
 
   private:
@@ -124,7 +129,7 @@ class CreoProxy {
     std::atomic<const Names*> mModeNames{nullptr};            // published once read, never changed afterwards
     std::vector<std::unique_ptr<const Names>> mAllModeNames;  // all that were published, for as long as this object
     Names mMenuFunctions;                                     // command strings by function index
-    bool mIsRearmed = true;
+    std::atomic<bool> mIsEnding{false};  // the timer is re-armed until then; cancels the generating thread
     bool mIsInTick = false;
     bool mIsComponentMoveOn = false;
     bool mIsMapkeyUsed = false;

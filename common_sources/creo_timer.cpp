@@ -110,7 +110,7 @@ void CreoProxy::onTimer() {
     if (mOwner->settings.mIsModeToRead) checkMode(false);
     if (mMenuFileProgress != kProgressDone) loadMenufile();
     doTransform();
-    if (mIsRearmed) {
+    if (!mIsEnding) {
         const UINT interval = isCapMoving() ? kMovingIntervalMs : kRestIntervalMs;
         OB_LOG(LogLevel::DBG) << "timerIntvl: " << interval;
         setTimer(mTimerWindow, interval);

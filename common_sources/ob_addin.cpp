@@ -72,7 +72,7 @@ CObAddin::CObAddin() {
     configureLogging();
     OB_LOG(LogLevel::CRT) << "Constructing ...";
     mCreoProxyP = create<CreoProxy>(this);
-    mDaemonProxyP = create<DaemonProxy>(this);
+    if (mCreoProxyP != nullptr) mDaemonProxyP = create<DaemonProxy>(this);  // writes to the Creo side from the start
     if (mCreoProxyP == nullptr || mDaemonProxyP == nullptr) {
         OB_LOG(LogLevel::ERR) << "mCreoProxyP or mDaemonProxyP could not be created!";
         std::exit(-1);

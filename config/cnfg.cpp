@@ -21,6 +21,10 @@ std::string_view trim(std::string_view text) {
 }  // namespace
 
 Cnfg::Cnfg(const std::string& fileName) : mFileName(fileName), mStream(fileName) {
+    // Some systems open a folder like a file; only the first read fails then.
+    mStream.peek();
+    if (mStream.bad()) mStream.close();
+    mStream.clear();
     if (!isOpen()) fail(kFileNotFound);
 }
 

@@ -19,6 +19,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "OB_Daemon/src/mutex.h"
 
@@ -138,7 +139,13 @@ class LogStatement {
         } else if constexpr (std::is_convertible_v<const T&, std::string_view>) {
             gLogging.append(std::string_view(value));
         } else if constexpr (std::is_integral_v<T> && sizeof(T) > 1) {
+            if (!std::in_range<std::int64_t>(value)) {
+                gLogging.append(std::to_string(value));
+                return *this;
+            }
             gLogging.append(static_cast<std::int64_t>(value));
+            // The end mark has ended this statement; what follows must not go into one around it.
+            if (std::cmp_equal(value, kLogEnd)) mIsOpen = false;
         } else if (std::ostream* out = gLogging.statementStream()) {
             *out << value;
         }

@@ -12,16 +12,26 @@ constexpr int kMaxAxis = 350;  // a firm push of the cap
 
 // All keys of the settings file with the defaults, but with everything logged.
 const std::vector<std::pair<std::string, std::string>> kProgram = {
-    {"name", "Geiplaigok"},       {"version", "2.8.6"},           {"transSensBase", "40000"},
-    {"rotSensBase", "10000"},     {"minThreshold", "0"},          {"maxContMoveTime", "200"},
-    {"maxFrameTime", "100"},      {"blockTransInRotMode", "off"}, {"scrollTreeAndList", "off"},
-    {"readMode", "on"},           {"mnuLanguage", "english"},     {"useMapkeyForCommands", "off"},
+    {"name", "Geiplaigok"},     {"version", "2.8.6"},           {"transSensBase", "40000"},
+    {"rotSensBase", "10000"},   {"minThreshold", "0"},          {"maxContMoveTime", "200"},
+    {"maxFrameTime", "100"},    {"blockTransInRotMode", "off"}, {"scrollTreeAndList", "off"},
+    {"readMode", "on"},         {"mnuLanguage", "english"},     {"useMapkeyForCommands", "off"},
     {"mapkeyDefinition", "ob"},
 };
 const std::vector<std::pair<std::string, std::string>> kLogging = {
-    {"logFile", "Creo_plugin_log.txt"}, {"maxSize", "50000"}, {"logToFile", "on"}, {"logToCnsl", "off"},
-    {"warning", "on"},  {"creation", "on"}, {"trace", "on"}, {"devcom", "off"}, {"intcom", "off"},
-    {"info", "off"},    {"debug", "on"},    {"tmp", "off"},  {"fileToLog", ""},
+    {"logFile", "Creo_plugin_log.txt"},
+    {"maxSize", "50000"},
+    {"logToFile", "on"},
+    {"logToCnsl", "off"},
+    {"warning", "on"},
+    {"creation", "on"},
+    {"trace", "on"},
+    {"devcom", "off"},
+    {"intcom", "off"},
+    {"info", "off"},
+    {"debug", "on"},
+    {"tmp", "off"},
+    {"fileToLog", ""},
 };
 
 std::vector<double> numbersOf(const std::string& text) {
@@ -54,7 +64,7 @@ Vector turned(const Vector& v, const Vector& axis, double angle) {
     return v + t * w + cross(q, t);
 }
 
-std::string settingsText(const std::map<std::string, std::string>& changes) {
+std::string settingsText(const Keys& changes) {
     std::string text;
     const auto append = [&](const char* section, const auto& keys) {
         text += "[" + std::string(section) + "]\n";
@@ -75,16 +85,30 @@ std::string menuText(const std::vector<std::string>& commands) {
     for (const char* mode : {"Sketcher", "Part", "Sheet_Metal", "Composite", "Scan_Model", "Assembly", "Drawing"}) {
         text += std::string(mode) + "   = " + std::to_string(++number) + "\n";
     }
-    text += " \n[MenuBar]\n0Orbikon   = {}\n1Toggle Scroll Mode   = {}OB_Toggle_Scroll_Mode|help\n"
-            "1Toggle Move Mode   = {+ 6}OB_Toggle_Object_Move_Mode|help\n0View   = {}\n";
+    text +=
+        " \n[MenuBar]\n0Orbikon   = {}\n1Toggle Scroll Mode   = {}OB_Toggle_Scroll_Mode|help\n"
+        "1Toggle Move Mode   = {+ 6}OB_Toggle_Object_Move_Mode|help\n0View   = {}\n";
     for (const auto& command : commands) text += "Label of " + command + "   = {}" + command + "|help\n";
     return text + " ";
 }
 
-Bench::Bench(const std::map<std::string, std::string>& settings, const std::vector<std::string>& commands)
-    : Workbench({.settings = settingsText(settings), .menuFile = menuText(commands), .plugin = {}, .textDir = {}}) {
+workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile) {
+    workbench::WorkbenchOptions options;
+    options.settings = std::move(settings);
+    options.menuFile = std::move(menuFile);
+    return options;
+}
+
+Bench::Bench(const Keys& settings, const std::vector<std::string>& commands)
+    : Bench(optionsWith(settingsText(settings), menuText(commands))) {}
+
+Bench::Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment)
+    : Workbench(options) {
     startDaemon();
-    startHost({"--require-plugin"});
+    startHost({"--require-plugin"}, environment);
+    if (!waitFor([&] { return daemonStatus("application") == "xtopCreo"; })) {
+        throw std::runtime_error("the plug-in does not connect to the daemon");
+    }
 }
 
 Frames Bench::positions() {
@@ -148,6 +172,13 @@ void Bench::release() {
 void Bench::openAssemblyForMoving() {
     host("model GEARBOX.ASM");
     host("menu click Toggle Move Mode");
+}
+
+void Bench::selectForMoving(const std::string& what) {
+    host("select " + what);
+    if (!waitFor([&] { return daemonStatus("legacy") == "0"; })) {
+        throw std::runtime_error("the plug-in does not take the motion");
+    }
 }
 
 void Bench::expectLog(const std::string& text) {

@@ -41,24 +41,30 @@ std::string settingsText(const Keys& changes = {});
 // A menu file with the modes and the given commands, one menu; indices 0 and 1 are the plug-in's own toggles.
 std::string menuText(const std::vector<std::string>& commands = {});
 
+// The settings file and menu file that the plug-in meets; none = it meets no such file.
+workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile);
+
 // A workbench whose daemon and host run, the plug-in loaded.
 class Bench : public Workbench {
- public:
-    explicit Bench(const Keys& settings = {},
-                   const std::vector<std::string>& commands = {});
+  public:
+    explicit Bench(const Keys& settings = {}, const std::vector<std::string>& commands = {});
+
+    explicit Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment = {});
 
     Frames positions();
-    Frame view();                                 // rows as answered: with scale and shift
-    std::array<Vector, 3> screenAxes();           // screen right, up and towards the viewer, in model coordinates
-    std::string status(const std::string& key);   // of the host
+    Frame view();                                // rows as answered: with scale and shift
+    std::array<Vector, 3> screenAxes();          // screen right, up and towards the viewer, in model coordinates
+    std::string status(const std::string& key);  // of the host
     void push(int tx, int ty, int tz, int rx, int ry, int rz);
     // Releases the cap and waits until components and view rest.
     void release();
     // Switches the mode and component move mode by the plug-in's menu.
     void openAssemblyForMoving();
-    void expectLog(const std::string& text);      // waits for it
+    // Selects and waits until the plug-in has taken the motion from the host's own device support.
+    void selectForMoving(const std::string& what);
+    void expectLog(const std::string& text);  // waits for it
 
- private:
+  private:
     std::string statusValue(const std::vector<std::string>& lines, const std::string& key) const;
 };
 

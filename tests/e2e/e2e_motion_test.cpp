@@ -29,7 +29,7 @@ TEST(Motion, TranslationFollowsTheScreensAxes) {
     Bench bench;
     bench.openAssemblyForMoving();
     bench.host("view set 0.36 0.48 -0.8 -0.8 0.6 0 0.48 0.64 0.6");
-    bench.host("select " + std::to_string(kShaft));
+    bench.selectForMoving(std::to_string(kShaft));
     const auto screen = bench.screenAxes();
     for (int axis = 0; axis < 3; ++axis) {
         for (const int push : {200, -200}) {
@@ -39,7 +39,8 @@ TEST(Motion, TranslationFollowsTheScreensAxes) {
             bench.push(t[0], t[1], t[2], 0, 0, 0);
             ASSERT_TRUE(waitFor([&] {
                 return length(bench.positions().at(kShaft).origin - before.at(kShaft).origin) > 1.0;
-            })) << "axis " << axis;
+            })) << "axis "
+                << axis;
             bench.release();
             const Frames after = bench.positions();
             const Vector way = after.at(kShaft).origin - before.at(kShaft).origin;
@@ -57,7 +58,7 @@ TEST(Motion, TranslationFollowsTheScreensAxes) {
 TEST(Motion, OneComponentTurnsAboutItsOwnOriginRightHanded) {
     Bench bench;
     bench.openAssemblyForMoving();
-    bench.host("select " + std::to_string(kShaft));
+    bench.selectForMoving(std::to_string(kShaft));
     const auto screen = bench.screenAxes();
     for (int axis = 0; axis < 3; ++axis) {
         const Frame before = bench.positions().at(kShaft);
@@ -89,7 +90,7 @@ TEST(Motion, OneComponentTurnsAboutItsOwnOriginRightHanded) {
 TEST(Motion, GroupTurnsAboutItsCentreAsARigidBody) {
     Bench bench(Keys{{"rotSensBase", "20000"}});
     bench.openAssemblyForMoving();
-    bench.host("select 39 41 58/3");  // a part of the sub-assembly stands for the whole of it
+    bench.selectForMoving("39 41 58/3");  // a part of the sub-assembly stands for the whole of it
     const std::vector<int> group{39, 41, 58};
     const auto centreOf = [&](const Frames& frames) {
         Vector low = frames.at(39).origin, high = low;
@@ -143,13 +144,11 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
     EXPECT_EQ(bench.daemonStatus("legacy_sets"), "0");
 
     // With a selection the channel goes off, once, and comes back, once, when the selection is gone.
-    bench.host("select " + std::to_string(kShaft));
+    bench.selectForMoving(std::to_string(kShaft));
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "0"; }));
     const Frame viewAtRest = bench.view();
     bench.push(100, 0, 0, 0, 0, 0);
-    EXPECT_TRUE(waitFor([&] {
-        return length(bench.positions().at(kShaft).origin - before.at(kShaft).origin) > 1.0;
-    }));
+    EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(kShaft).origin - before.at(kShaft).origin) > 1.0; }));
     bench.release();
     EXPECT_LT(length(bench.view().origin - viewAtRest.origin), 1e-9) << "the view moved, too";
     EXPECT_EQ(bench.daemonStatus("legacy_sets"), "1");
@@ -158,7 +157,7 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
     EXPECT_EQ(bench.daemonStatus("legacy_sets"), "2");
 
     // The end of the plug-in gives the channel back.
-    bench.host("select " + std::to_string(kShaft));
+    bench.selectForMoving(std::to_string(kShaft));
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "0"; }));
     bench.host("plugin terminate");
     EXPECT_EQ(bench.daemonStatus("legacy"), "1");
@@ -169,7 +168,7 @@ TEST(Motion, ThousandComponents) {
     bench.host("components 1000");
     bench.openAssemblyForMoving();
     bench.host("components 1000");
-    bench.host("select all");
+    bench.selectForMoving("all");
     const Frames before = bench.positions();
     ASSERT_EQ(before.size(), 1000u);
     const auto screen = bench.screenAxes();
@@ -190,7 +189,7 @@ TEST(Motion, ThousandComponents) {
 TEST(Motion, ThousandsOfStepsKeepTheFrameOrthonormal) {
     Bench bench(Keys{{"maxContMoveTime", "500"}});
     bench.openAssemblyForMoving();
-    bench.host("select " + std::to_string(kShaft));
+    bench.selectForMoving(std::to_string(kShaft));
     const auto steps = [&] { return std::stoi(bench.host("calls ProAsmcompPositionSet").at(0)); };
     bench.push(3, -2, 1, 300, -200, 350);
     ASSERT_TRUE(waitFor([&] { return steps() > 3000; }, 120000)) << steps() << " steps";
@@ -202,7 +201,7 @@ TEST(Motion, ThousandsOfStepsKeepTheFrameOrthonormal) {
 TEST(Motion, FailingToolkit) {
     Bench bench;
     bench.openAssemblyForMoving();
-    bench.host("select " + std::to_string(kShaft));
+    bench.selectForMoving(std::to_string(kShaft));
     bench.push(50, 0, 0, 0, 0, 20);
     for (const char* function :
          {"ProViewMatrixGet", "ProVectorTrfEval", "ProMdlCurrentGet", "ProSelbufferSelectionsGet", "ProArraySizeGet",
@@ -229,7 +228,7 @@ TEST(Motion, FailingToolkit) {
 TEST(Motion, UselessDivisorsMoveNothing) {
     Bench bench(Keys{{"transSensBase", "499"}, {"rotSensBase", "0"}});
     bench.openAssemblyForMoving();
-    bench.host("select all");
+    bench.selectForMoving("all");
     const Frames before = bench.positions();
     bench.push(100, 100, 100, 100, 100, 100);
     bench.expectLog("transSensBase or rotSensBase too small");

@@ -58,6 +58,7 @@ std::filesystem::path buildFolder() {
 Workbench::Workbench(const WorkbenchOptions& options)
     : mInstance(newInstance()),
       mBuild(buildFolder()),
+      mLoadPoint(options.loadPoint.empty() ? mBuild / "workbench" / "creo" : options.loadPoint),
       mFolder(std::filesystem::temp_directory_path() / ("orbikon_" + mInstance)),
       mIsFolderKept(options.isFolderKept) {
     std::filesystem::create_directories(profile());
@@ -151,8 +152,7 @@ std::string Workbench::daemonStatus(const std::string& key) {
 
 void Workbench::startHost(const std::vector<std::string>& arguments, const Environment& environment) {
     killHost();
-    mHost.emplace(
-        start(mBuild / "workbench" / "creo" / "bin" / "creo_host.exe", arguments, hostOutputFile(), environment));
+    mHost.emplace(start(mLoadPoint / "bin" / "creo_host.exe", arguments, hostOutputFile(), environment));
     awaitServer(mHostClient, kHostControl, *mHost, hostOutputFile());
 }
 

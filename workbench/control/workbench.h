@@ -34,10 +34,11 @@ void writeTextFile(const std::filesystem::path& file, const std::string& text); 
 std::filesystem::path buildFolder();
 
 struct WorkbenchOptions {
-    std::optional<std::string> settings;  // content of Creo_plugin.ini; none = the plug-in meets no settings file
-    std::optional<std::string> menuFile;  // content of Creo.mnu; none = the plug-in meets no menu file
-    std::filesystem::path plugin;         // the plug-in's DLL; empty = orbikon_creo.dll in the build folder
-    std::filesystem::path textDir;        // folder that holds "text"; empty = the build folder
+    std::optional<std::string> settings{};  // content of Creo_plugin.ini; none = the plug-in meets no settings file
+    std::optional<std::string> menuFile{};  // content of Creo.mnu; none = the plug-in meets no menu file
+    std::filesystem::path plugin{};         // the plug-in's DLL; empty = orbikon_creo.dll in the build folder
+    std::filesystem::path textDir{};        // folder that holds "text"; empty = the build folder
+    std::filesystem::path loadPoint{};      // the host's; empty = workbench\\creo in the build folder
     bool isFolderKept = false;            // leaves the folder behind, to be looked at
 };
 
@@ -107,6 +108,7 @@ class Workbench {
 
     std::string mInstance;
     std::filesystem::path mBuild;
+    std::filesystem::path mLoadPoint;
     std::filesystem::path mFolder;
     bool mIsFolderKept;
     std::optional<Process> mDaemon;

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <chrono>
+#include <cstdio>
 #include <future>
 #include <memory>
 #include <sstream>
@@ -39,8 +40,21 @@ int Request::number(std::size_t i) const {
     const std::string& digits = word(i);
     int value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (error != std::errc{} || end != digits.data() + digits.size()) throw ControlError("\"" + digits + "\" is no number");
+    if (error != std::errc{} || end != digits.data() + digits.size())
+        throw ControlError("\"" + digits + "\" is no number");
     return value;
+}
+
+std::string numberText(const Transform& transform) {
+    std::string text;
+    for (const auto& row : transform.m) {
+        for (const double value : row) {
+            char number[32];
+            std::snprintf(number, sizeof number, "%.17g", value);
+            text += (text.empty() ? "" : " ") + std::string(number);
+        }
+    }
+    return text;
 }
 
 Reply answerControl(const std::string& line) {

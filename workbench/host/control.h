@@ -31,7 +31,7 @@
 //   model NAME                  opens a model as the File menu does, notifications included
 //   window NUMBER | auto        what the current-window query answers (no notification)
 //   view set N1 ... N9          orientation, row by row
-//   menu click LABEL            item of the plug-in's menu, as by a click
+//   menu click LABEL            item of the plug-in's menu, by its label or its name, as by a click
 //   command NAME [OPTION]       as from the menu: the undo stack is kept
 //   macro TEXT                  queued as by the toolkit: the undo stack is lost
 //   undo, redo
@@ -47,12 +47,18 @@
 //   misalign on | off           calls the plug-in on stacks 4, 8, 12 past a 16-byte boundary in turn
 //   plugin terminate | initialize | unload | load | reload N
 //   exit                        ends the host
+//
+// Windows: main strip toolbar tree container graphics dock message tabs accessory accessory_list, and in the dock's
+// panels
+//   properties: listview edit    library: listbox treeview    tables: gxwnd graphdraw    results: list wheeltree
+//   browser: browser             palette: overlap_small (upon) overlap_large
 #pragma once
 
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "workbench/host/geometry.h"
 #include "workbench/pipes/line_pipe.h"
 
 namespace workbench {
@@ -81,6 +87,9 @@ struct ControlCommand {
 
 std::vector<ControlCommand> queryCommands();
 std::vector<ControlCommand> actionCommands();
+
+// The 16 numbers of a transform, row by row, in full precision.
+std::string numberText(const Transform& transform);
 
 // Carries out one request. User-interface thread.
 Reply answerControl(const std::string& request);

@@ -15,6 +15,7 @@
 #include "workbench/host/text_files.h"
 #include "workbench/host/toolkit_call.h"
 #include "workbench/host/ui_loop.h"
+#include "workbench/host/window_tools.h"
 
 namespace workbench {
 namespace {
@@ -41,7 +42,10 @@ void require(bool isDone, const std::string& reason) {
     if (!isDone) throw ControlError(reason);
 }
 
-std::string lastMessage() { return host().messages().empty() ? "not done" : host().messages().back(); }
+// For what leaves its own reason in the message line.
+void requireDone(bool isDone) {
+    if (!isDone) throw ControlError(host().messages().empty() ? "not done" : host().messages().back());
+}
 
 HWND windowNamed(const std::string& name) {
     const HWND window = frame().find(name);
@@ -95,22 +99,14 @@ void view(const Request& request, Lines& lines) {
         require(host().view().setOrientation(orientation), "a row is not of length 1");
         host().listeners.pictureChanged();
     }
-    std::string text;
-    for (const auto& row : host().view().matrix().m) {
-        for (const double value : row) {
-            char number[32];
-            std::snprintf(number, sizeof number, "%.17g", value);
-            text += (text.empty() ? "" : " ") + std::string(number);
-        }
-    }
-    lines.push_back(text);
+    lines.push_back(numberText(host().view().matrix()));
 }
 
 void clickMenu(const std::string& label) {
     for (const Menu& entry : menuBar().menus()) {
         for (const MenuItem& item : entry.items) {
-            if (!entry.isOfPlugin || item.label != label) continue;
-            require(runCommand(item.command, item.option), lastMessage());
+            if (!entry.isOfPlugin || (item.label != label && item.name != label)) continue;
+            requireDone(runCommand(item.command, item.option));
             return;
         }
     }
@@ -136,7 +132,7 @@ void menu(const Request& request, Lines& lines) {
 void command(const Request& request, Lines&) {
     const std::string name = request.word(0);
     const std::size_t option = request.text.find_first_not_of(' ', name.size());
-    require(runCommand(name, option == std::string::npos ? "" : request.text.substr(option)), lastMessage());
+    requireDone(runCommand(name, option == std::string::npos ? "" : request.text.substr(option)));
 }
 
 void cursor(const Request& request, Lines&) {
@@ -154,13 +150,13 @@ void cursor(const Request& request, Lines&) {
 void front(const Request& request, Lines&) {
     const HWND top = windowNamed(request.word(0));
     require(GetAncestor(top, GA_ROOT) == top, request.word(0) + " is no top-level window");
-    ShowWindow(top, SW_SHOW);
-    SetForegroundWindow(top);
+    bringInFront(top);
     require(GetForegroundWindow() == top, "the window cannot be brought in front");
 }
 
 void fail(const Request& request, Lines&) {
     constexpr int ALWAYS = -1;
+    require(ToolkitCalls::isKnown(request.word(0)), "there is no toolkit function " + request.word(0));
     toolkitCalls().fail(request.word(0), request.number(1), request.words.size() > 2 ? request.number(2) : ALWAYS);
 }
 
@@ -171,18 +167,18 @@ void keys(const Request& request, Lines&) {
 void reload(int rounds) {
     for (int i = 0; i < rounds; ++i) {
         plugins().unload();
-        require(plugins().start(), lastMessage());
+        requireDone(plugins().start());
     }
 }
 
 void plugin(const Request& request, Lines& lines) {
     const std::string& what = request.word(0);
     if (what == "terminate") {
-        require(plugins().terminate(), lastMessage());
+        requireDone(plugins().terminate());
     } else if (what == "initialize") {
-        require(plugins().initialise(), lastMessage());
+        requireDone(plugins().initialise());
     } else if (what == "load") {
-        require(plugins().start(), lastMessage());
+        requireDone(plugins().start());
     } else if (what == "unload") {
         plugins().unload();
     } else if (what == "reload") {
@@ -200,8 +196,7 @@ std::vector<ControlCommand> actionCommands() {
         {"select", select},
         {"mode", mode},
         {"sketch", sketch},
-        {"model", [](const Request& request,
-                     Lines&) { require(runCommand("ProCmdModelOpen", request.word(0)), lastMessage()); }},
+        {"model", [](const Request& request, Lines&) { requireDone(runCommand("ProCmdModelOpen", request.word(0))); }},
         {"window", window},
         {"view", view},
         {"menu", menu},

@@ -2,8 +2,8 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <tlhelp32.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "workbench/host/commands.h"
@@ -16,6 +16,7 @@
 #include "workbench/host/notifications.h"
 #include "workbench/host/plugin_call.h"
 #include "workbench/host/plugins.h"
+#include "workbench/host/process_counts.h"
 #include "workbench/host/scroll_window.h"
 #include "workbench/host/selection_arrays.h"
 #include "workbench/host/text_files.h"
@@ -27,36 +28,6 @@ namespace workbench {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-std::string numbers(const Transform& transform) {
-    std::string text;
-    for (const auto& row : transform.m) {
-        for (const double value : row) {
-            char number[32];
-            std::snprintf(number, sizeof number, "%.17g", value);
-            text += (text.empty() ? "" : " ") + std::string(number);
-        }
-    }
-    return text;
-}
-
-DWORD handleCount() {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
-
-int threadCount() {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof entry;
-    int count = 0;
-    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
-        if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
-    }
-    CloseHandle(snapshot);
-    return count;
-}
 
 std::string selectionText() {
     std::string text;
@@ -77,7 +48,9 @@ void status(const Request&, Lines& lines) {
     addNumber("sketch", int{state.isSketchActive()});
     add("model", state.model().name);
     addNumber("window", state.window());
-    addNumber("components", state.model().components.size());
+    const auto& components = state.model().components;
+    addNumber("components",
+              std::count_if(components.begin(), components.end(), [](const auto& c) { return !c.isDeleted; }));
     addNumber("selected", state.selection().size());
     add("selection", selectionText());
     addNumber("undo", state.history.undoDepth());
@@ -89,7 +62,6 @@ void status(const Request&, Lines& lines) {
     addNumber("outstanding_arrays", selectionArrays().outstanding());
     addNumber("handles", handleCount());
     addNumber("threads", threadCount());
-    addNumber("gdi_objects", GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS));
     add("plugin", plugins().state());
     addNumber("misalign", int{isMisalignmentOn()});
     addNumber("mapkeys", state.mapkeys.mapkeys().size());
@@ -107,7 +79,7 @@ void status(const Request&, Lines& lines) {
 void positions(const Request&, Lines& lines) {
     for (const Component& component : host().model().components) {
         if (component.isDeleted) continue;
-        lines.push_back(std::to_string(component.id) + " " + component.name + " " + numbers(component.position));
+        lines.push_back(std::to_string(component.id) + " " + component.name + " " + numberText(component.position));
     }
 }
 
@@ -197,6 +169,12 @@ void scroll(const Request& request, Lines& lines) {
     if (request.word(0) == "toolbar") lines.push_back("offset " + std::to_string(toolbarOffset()));
 }
 
+void calls(const Request& request, Lines& lines) {
+    const std::string& function = request.word(0);
+    if (!ToolkitCalls::isKnown(function)) throw ControlError("there is no toolkit function " + function);
+    lines.push_back(std::to_string(toolkitCalls().callsOf(function)));
+}
+
 void access(const Request& request, Lines& lines) {
     const Command* command = commands().find(request.word(0));
     if (command == nullptr) throw ControlError("there is no command " + request.word(0));
@@ -234,8 +212,7 @@ std::vector<ControlCommand> queryCommands() {
         {"windows", listWindows},
         {"top", topWindows},
         {"scroll", scroll},
-        {"calls", [](const Request& request,
-                     Lines& lines) { lines.push_back(std::to_string(toolkitCalls().callsOf(request.word(0)))); }},
+        {"calls", calls},
         {"access", access},
         {"messages",
          [](const Request&, Lines& lines) { lines.assign(host().messages().begin(), host().messages().end()); }},

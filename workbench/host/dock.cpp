@@ -166,6 +166,4 @@ std::vector<NamedWindow> dockWindows() {
     return windows;
 }
 
-std::vector<std::string> dockPanelNames() { return {std::begin(PANELS), std::end(PANELS)}; }
-
 }  // namespace workbench

@@ -14,6 +14,5 @@ HWND makeDock(HWND parent);
 void layOutDock(HWND dock);
 bool showDockPanel(const std::string& name);  // false when there is no such panel
 std::vector<NamedWindow> dockWindows();
-std::vector<std::string> dockPanelNames();
 
 }  // namespace workbench

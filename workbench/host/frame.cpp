@@ -60,9 +60,9 @@ void Frame::create() {
     listen();
     fillTree(mTree);
     updateTitle();
+    if (!host().messages().empty()) showMessage(host().messages().back());
     host().view().refit(host().model().bounds());
-    ShowWindow(mWindow, SW_SHOW);
-    SetForegroundWindow(mWindow);
+    bringInFront(mWindow);
     SetFocus(mGraphics);
 }
 
@@ -134,10 +134,7 @@ void Frame::showTree(bool shown) {
     layOut();
 }
 
-void Frame::showAccessory() {
-    ShowWindow(mAccessory, SW_SHOW);
-    SetForegroundWindow(mAccessory);
-}
+void Frame::showAccessory() { bringInFront(mAccessory); }
 
 bool Frame::showPanel(const std::string& name) { return showDockPanel(name); }
 

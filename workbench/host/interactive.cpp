@@ -1,22 +1,23 @@
 #include "workbench/host/interactive.h"
 
-#include <condition_variable>
-#include <mutex>
+#include <algorithm>
+#include <atomic>
 #include <string>
 #include <thread>
 
 #include "workbench/host/device_support.h"
-#include "workbench/host/frame.h"
+#include "workbench/host/ui_loop.h"
 #include "workbench/pipes/line_pipe.h"
 
 namespace workbench {
 namespace {
 
 constexpr int PUSH = 200;  // deflection of a pressed key
+constexpr DWORD POLL_MS = 15;
 constexpr int ANSWER_TIME_MS = 1000;
 
 struct CapKey {
-    WPARAM key;
+    int key;
     std::size_t axis;
     std::size_t axisWithControl;
     int direction;
@@ -27,45 +28,52 @@ constexpr CapKey KEYS[] = {
     {VK_DOWN, 1, 3, -1, 1}, {VK_PRIOR, 2, 5, 1, 1},  {VK_NEXT, 2, 5, -1, -1},
 };
 
-bool isInEditField() {
+bool isDown(int key) { return (GetAsyncKeyState(key) & 0x8000) != 0; }
+
+// Whether keys go to one of the host's windows now, and not to an edit field or an open menu. Any thread.
+bool hasFocus() {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    if (!GetGUIThreadInfo(uiThreadId(), &info) || (info.flags & GUI_INMENUMODE) != 0) return false;
     wchar_t name[16] = L"";
-    GetClassNameW(GetFocus(), name, 16);
-    return lstrcmpiW(name, L"Edit") == 0;
+    GetClassNameW(info.hwndFocus, name, 16);
+    return GetWindowThreadProcessId(GetForegroundWindow(), nullptr) == uiThreadId() && lstrcmpiW(name, L"Edit") != 0;
+}
+
+Axes pushedAxes() {
+    Axes pushed{};
+    if (!hasFocus()) return pushed;
+    const bool hasControl = isDown(VK_CONTROL);
+    for (const CapKey& key : KEYS) {
+        if (!isDown(key.key)) continue;
+        pushed[hasControl ? key.axisWithControl : key.axis] +=
+            PUSH * (hasControl ? key.directionWithControl : key.direction);
+    }
+    return pushed;
+}
+
+void send(LineClient& client, const Axes& axes) {
+    std::string request = "axes";
+    for (const int value : axes) request += " " + std::to_string(value);
+    if (client.isOpen() || client.open(pipeName("obk_control"), 0)) client.ask(request, ANSWER_TIME_MS);
 }
 
 }  // namespace
 
 struct CapKeys::Impl {
-    std::mutex lock;
-    std::condition_variable changed;
-    Axes axes{};
-    bool isChanged = false;
-    bool isEnding = false;
+    std::atomic<bool> isEnding{false};
     std::thread thread;
-
-    void set(const Axes& wanted) {
-        const std::lock_guard guard(lock);
-        if (axes == wanted) return;
-        axes = wanted;
-        isChanged = true;
-        changed.notify_all();
-    }
 
     void run() {
         LineClient client;
-        for (;;) {
-            std::string request = "axes";
-            bool isLast = false;
-            {
-                std::unique_lock guard(lock);
-                changed.wait(guard, [this] { return isChanged || isEnding; });
-                for (const int value : isEnding ? Axes{} : axes) request += " " + std::to_string(value);
-                isChanged = false;
-                isLast = isEnding;
-            }
-            if (client.isOpen() || client.open(pipeName("obk_control"), 0)) client.ask(request, ANSWER_TIME_MS);
-            if (isLast) return;
+        Axes sent{};
+        while (!isEnding) {
+            const Axes pushed = pushedAxes();
+            if (pushed != sent) send(client, pushed);
+            sent = pushed;
+            Sleep(POLL_MS);
         }
+        if (sent != Axes{}) send(client, {});
     }
 };
 
@@ -74,29 +82,15 @@ CapKeys::CapKeys() : mImpl(std::make_unique<Impl>()) {
 }
 
 CapKeys::~CapKeys() {
-    {
-        const std::lock_guard guard(mImpl->lock);
-        mImpl->isEnding = true;
-        mImpl->changed.notify_all();
-    }
+    mImpl->isEnding = true;
     mImpl->thread.join();
 }
 
-bool CapKeys::filter(const MSG& message) {
-    if (message.message != WM_KEYDOWN && message.message != WM_KEYUP) return false;
-    const bool isInFront = GetForegroundWindow() == frame().window() && !isInEditField();
-    const bool hasControl = (GetKeyState(VK_CONTROL) & 0x8000) != 0;
-    Axes pushed{};
-    bool isCapKey = false;
-    for (const CapKey& key : KEYS) {
-        isCapKey = isCapKey || key.key == message.wParam;
-        if (!isInFront || (GetKeyState(static_cast<int>(key.key)) & 0x8000) == 0) continue;
-        pushed[hasControl ? key.axisWithControl : key.axis] +=
-            PUSH * (hasControl ? key.directionWithControl : key.direction);
-    }
-    if (!isCapKey && message.wParam != VK_CONTROL) return false;
-    mImpl->set(pushed);
-    return isCapKey && isInFront;
+bool CapKeys::filter(const MSG& message) const {
+    const bool isPress = message.message == WM_KEYDOWN || message.message == WM_KEYUP;
+    return isPress && hasFocus() && std::any_of(std::begin(KEYS), std::end(KEYS), [&](const CapKey& key) {
+               return static_cast<WPARAM>(key.key) == message.wParam;
+           });
 }
 
 }  // namespace workbench

@@ -3,6 +3,8 @@
 // Exit codes: 0 ended as asked, 2 command line not understood, 3 no plug-in could be started (--require-plugin),
 // 4 the windows or the control pipe could not be made, 70 crashed.
 #include <windows.h>
+// after windows.h
+#include <commdlg.h>
 
 #include <cstdio>
 #include <exception>
@@ -16,9 +18,11 @@
 #include "workbench/host/frame.h"
 #include "workbench/host/host_state.h"
 #include "workbench/host/interactive.h"
+#include "workbench/host/macro_runner.h"
 #include "workbench/host/options.h"
 #include "workbench/host/plugin_call.h"
 #include "workbench/host/plugins.h"
+#include "workbench/host/text_files.h"
 #include "workbench/host/ui_loop.h"
 
 using namespace workbench;
@@ -48,9 +52,31 @@ void followParent(unsigned long id) {
     }).detach();
 }
 
+// Ctrl+Z and Ctrl+Y, wherever the focus is. True when the key was one of them.
+bool runShortcut(const MSG& message) {
+    if (message.message != WM_KEYDOWN || (GetKeyState(VK_CONTROL) & 0x8000) == 0) return false;
+    if (message.wParam != 'Z' && message.wParam != 'Y') return false;
+    runCommand(message.wParam == 'Z' ? "ProCmdEditUndo" : "ProCmdEditRedo", "");
+    return true;
+}
+
+// The file dialog for people; macros use ProCmdUtilTrailTrain.
+void askForTrailFile() {
+    wchar_t path[MAX_PATH] = L"";
+    OPENFILENAMEW ask{};
+    ask.lStructSize = sizeof ask;
+    ask.hwndOwner = frame().window();
+    ask.lpstrFilter = L"Trail files (*.txt)\0*.txt\0All files\0*.*\0";
+    ask.lpstrFile = path;
+    ask.nMaxFile = MAX_PATH;
+    ask.Flags = OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
+    if (GetOpenFileNameW(&ask)) playTrailFile(wideToUtf8(path));
+}
+
 void addProgramCommands(bool isInteractive) {
+    // Shown by a task of its own, so that whoever ran the command need not wait until it is closed.
     const auto showText = [](const std::string& text, const char* title) {
-        MessageBoxA(frame().window(), text.c_str(), title, MB_OK | MB_ICONINFORMATION);
+        postToUi([=] { MessageBoxA(frame().window(), text.c_str(), title, MB_OK | MB_ICONINFORMATION); });
         return true;
     };
     const auto add = [](const char* name, std::function<bool(const std::string&)> run) {
@@ -74,6 +100,10 @@ void addProgramCommands(bool isInteractive) {
         return showText("Workbench host: stands in for Creo Parametric while the plug-in is developed and tested.",
                         "About");
     });
+    add("ProCmdUtilTrailPlay", [](const auto&) {
+        postToUi(askForTrailFile);
+        return true;
+    });
 }
 
 int run(const Options& options) {
@@ -89,9 +119,9 @@ int run(const Options& options) {
     std::optional<CapKeys> capKeys;
     if (options.isInteractive) {
         capKeys.emplace();
-        setKeyFilter([&](const MSG& message) { return capKeys->filter(message); });
         host().message(std::string("Cap keys: ") + CAP_KEYS);
     }
+    setKeyFilter([&](const MSG& message) { return (capKeys && capKeys->filter(message)) || runShortcut(message); });
     bool isStarted = true;
     if (options.loadsPlugin) {
         plugins().findRegistered();

@@ -53,7 +53,7 @@ std::vector<Menu> ownMenus() {
           separator(),
           item("&Model tree", "ProCmdViewModelTree"),
           item("A&xis triad", "ProCmdViewTriad")}},
-        {"Tools", "&Tools", {item("Play trail &file...", "ProCmdUtilTrailTrain")}},
+        {"Tools", "&Tools", {item("Play trail &file...", "ProCmdUtilTrailPlay")}},
         {"Window", "&Window", {item("&Accessory window", "ProCmdWindowActivate")}},
         {"Help", "&Help", {item("&Keys and mouse", "ProCmdHelpKeys"), item("&About", "ProCmdHelpAbout")}},
     };

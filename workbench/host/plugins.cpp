@@ -35,9 +35,9 @@ std::string systemError(DWORD code) {
     return "error " + std::to_string(code) + (message.empty() ? "" : ", " + message);
 }
 
-// What a terminated plug-in registered is no longer called.
-void forgetRegistrations() {
-    notifications().clear();
+// Menus and commands of a terminated plug-in go. Notifications that it did not unset go on being sent, until it is
+// unloaded.
+void forgetMenus() {
     menuBar().dropPluginMenus();
     commands().dropPluginCommands();
     frame().rebuildMenu();
@@ -117,7 +117,7 @@ bool Plugins::initialise(Plugin& plugin) {
     if (result != 0) {
         host().error("The application \"" + plugin.entry.name + "\" refused to start (" + std::to_string(result) +
                      "): " + wideToUtf8(errorText));
-        forgetRegistrations();
+        forgetMenus();
         return false;
     }
     plugin.isInitialised = true;
@@ -138,7 +138,7 @@ bool Plugins::terminate(Plugin& plugin) {
         host().error("The application \"" + plugin.entry.name + "\" has no user_terminate.");
     }
     plugin.isInitialised = false;
-    forgetRegistrations();
+    forgetMenus();
     return entry != nullptr;
 }
 
@@ -151,6 +151,7 @@ bool Plugins::terminate() {
 void Plugins::unload() {
     for (Plugin& plugin : mPlugins) {
         terminate(plugin);
+        notifications().clear();
         if (plugin.module != nullptr) FreeLibrary(plugin.module);
         plugin.module = nullptr;
     }

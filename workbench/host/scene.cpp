@@ -8,7 +8,7 @@ namespace {
 constexpr Colour BACKGROUND_TOP = 0xC9D6E4;
 constexpr Colour BACKGROUND_BOTTOM = 0xF4F7FA;
 constexpr Colour EDGE = 0x202830;
-constexpr Colour EDGE_HIDDEN = 0x9AA6B2;
+constexpr Colour EDGE_HIDDEN = 0x8E9BA8;
 constexpr Colour EDGE_SELECTED = 0x00A040;
 constexpr Colour FACE_SELECTED = 0x48E070;
 constexpr double SELECTED_SHARE = 0.45;
@@ -19,7 +19,8 @@ constexpr Vec3 TRIAD_ORIGIN{60.0, 60.0, 1e6};
 
 struct Item {
     const Component* component;
-    std::vector<Vec3> points;  // on the screen
+    std::vector<Vec3> points;                // on the screen
+    std::vector<std::pair<int, int>> lines;  // edges and the silhouette lines that show
     bool isSelected;
 };
 
@@ -29,6 +30,16 @@ bool isSelected(const std::set<ComponentPath>& selection, const ComponentPath& p
         if (selection.contains(above)) return true;
     }
     return false;
+}
+
+std::vector<std::pair<int, int>> linesOf(const Solid& solid, const Transform& onScreen) {
+    auto lines = solid.edges;
+    for (const auto& [from, to, normals] : solid.silhouettes) {
+        const bool isFirstTowards = onScreen.direction(normals[0]).z > 0.0;
+        const bool isSecondTowards = onScreen.direction(normals[1]).z > 0.0;
+        if (isFirstTowards != isSecondTowards) lines.emplace_back(from, to);
+    }
+    return lines;
 }
 
 Colour faceColour(const Item& item, const Vec3 corners[3]) {
@@ -47,7 +58,7 @@ void paintFaces(const Item& item, int number, bool paints, Raster& raster) {
 
 void paintEdges(const Item& item, Colour colour, LineVisibility visibility, Raster& raster) {
     constexpr Vec3 ASIDE[] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}};
-    for (const auto& [from, to] : item.component->solid.edges) {
+    for (const auto& [from, to] : item.lines) {
         raster.line(item.points[from], item.points[to], colour, visibility);
         if (!item.isSelected) continue;
         for (const Vec3& aside : ASIDE) {  // selected edges are thicker
@@ -91,7 +102,7 @@ std::vector<ComponentPath> paint(const Scene& scene, Raster& raster) {
     visitShown(scene.model.components, {}, {},
                [&](const ComponentPath& path, const Component& component, const Transform& placed) {
                    const Transform onScreen = placed * scene.view;
-                   Item item{&component, {}, isSelected(scene.selection, path)};
+                   Item item{&component, {}, linesOf(component.solid, onScreen), isSelected(scene.selection, path)};
                    item.points.reserve(component.solid.points.size());
                    for (const Vec3& p : component.solid.points) item.points.push_back(onScreen.point(p));
                    items.push_back(std::move(item));

@@ -22,15 +22,11 @@ Profile circle(int sides, double radius) {
     return profile;
 }
 
-// Whether the wall's two sides that meet at corner i form an edge that can be seen.
-bool isSharp(const Profile& profile, std::size_t i) {
-    const std::size_t n = profile.size();
-    const Corner& before = profile[(i + n - 1) % n];
-    const Corner& at = profile[i];
-    const Corner& after = profile[(i + 1) % n];
-    const Vec3 in = normalised({at.x - before.x, at.y - before.y, 0.0});
-    const Vec3 out = normalised({after.x - at.x, after.y - at.y, 0.0});
-    return dot(in, out) < SMOOTH_COSINE;
+// Outward normal of the wall from corner i to the next one of a counter-clockwise profile.
+Vec3 wallNormal(const Profile& profile, std::size_t i) {
+    const Corner& from = profile[i];
+    const Corner& to = profile[(i + 1) % profile.size()];
+    return normalised({to.y - from.y, from.x - to.x, 0.0});
 }
 
 // Walls of a closed profile between z = 0 and the height; `outwards` is false for the wall of a hole. Answers the index
@@ -49,7 +45,13 @@ int addWalls(Solid& solid, const Profile& profile, double height, bool outwards)
         solid.triangles.push_back(outwards ? std::array{a, b + 1, a + 1} : std::array{a, a + 1, b + 1});
         solid.edges.emplace_back(a, b);
         solid.edges.emplace_back(a + 1, b + 1);
-        if (isSharp(profile, static_cast<std::size_t>(i))) solid.edges.emplace_back(a, a + 1);
+        const Vec3 before = wallNormal(profile, static_cast<std::size_t>((i + n - 1) % n));
+        const Vec3 after = wallNormal(profile, static_cast<std::size_t>(i));
+        if (dot(before, after) < SMOOTH_COSINE) {
+            solid.edges.emplace_back(a, a + 1);
+        } else {
+            solid.silhouettes.push_back({a, a + 1, {before, after}});
+        }
     }
     return first;
 }
@@ -78,6 +80,9 @@ void Solid::add(const Solid& other, const Transform& at) {
     for (const Vec3& p : other.points) points.push_back(at.point(p));
     for (const auto& t : other.triangles) triangles.push_back({t[0] + offset, t[1] + offset, t[2] + offset});
     for (const auto& [from, to] : other.edges) edges.emplace_back(from + offset, to + offset);
+    for (const auto& [from, to, normals] : other.silhouettes) {
+        silhouettes.push_back({from + offset, to + offset, {at.direction(normals[0]), at.direction(normals[1])}});
+    }
 }
 
 Solid makeBox(double width, double depth, double height) {

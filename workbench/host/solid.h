@@ -9,10 +9,18 @@
 
 namespace workbench {
 
+// Line between two faces of a rounded wall: drawn only where one of them looks towards the viewer and the other away.
+struct SilhouetteLine {
+    int from;
+    int to;
+    Vec3 normals[2];
+};
+
 struct Solid {
     std::vector<Vec3> points;
     std::vector<std::array<int, 3>> triangles;  // counter-clockwise seen from outside
     std::vector<std::pair<int, int>> edges;
+    std::vector<SilhouetteLine> silhouettes;
 
     // Takes over another body, placed by `at`.
     void add(const Solid& other, const Transform& at = {});

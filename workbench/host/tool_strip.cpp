@@ -68,6 +68,8 @@ LRESULT CALLBACK toolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         moveTo(offset - STEP * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA);
         return 0;
     }
+    // A flat tool bar paints its texts without erasing first; repainted from outside they would grow bold.
+    if (message == WM_PAINT) InvalidateRect(window, nullptr, TRUE);
     return CallWindowProcW(toolbarDefault, window, message, wParam, lParam);
 }
 

@@ -34,6 +34,10 @@ std::optional<ProError> ToolkitCalls::enter(const char* function) {
 
 void ToolkitCalls::fail(const std::string& function, ProError code, int count) { mFailures[function] = {code, count}; }
 
+bool ToolkitCalls::isKnown(const std::string& function) {
+    return GetProcAddress(GetModuleHandleW(nullptr), function.c_str()) != nullptr;
+}
+
 int ToolkitCalls::callsOf(const std::string& function) const {
     const auto found = mCalls.find(function);
     return found == mCalls.end() ? 0 : found->second;

@@ -18,6 +18,9 @@ class ToolkitCalls {
     // The next `count` calls of the function answer the code; a negative count means all of them, 0 none.
     void fail(const std::string& function, ProError code, int count);
 
+    // Whether the host exports a function of that name.
+    static bool isKnown(const std::string& function);
+
     int callsOf(const std::string& function) const;
     int wrongThreadCalls() const;
 

@@ -12,11 +12,13 @@
 namespace workbench {
 namespace {
 
+constexpr std::size_t UNFOLDED_MAX = 100;  // top-level components; larger assemblies stay folded
 constexpr const char* FEATURES_OF_A_COMPONENT[] = {"Placement", "Material", "Datum planes", "Cross section A"};
 
 std::map<ComponentPath, HTREEITEM> rows;   // of components
 std::vector<ComponentPath> pathsByNumber;  // a row's parameter is an index into it
-bool isFilling = false;                    // changes by the host itself are no choice of the user
+bool unfolds = true;
+bool isFilling = false;  // changes by the host itself are no choice of the user
 
 HTREEITEM addRow(HWND tree, HTREEITEM above, const std::string& text, const ComponentPath& path) {
     std::wstring wide = utf8ToWide(text);
@@ -40,7 +42,7 @@ void addRows(HWND tree, HTREEITEM above, const std::vector<Component>& component
         rows[path] = row;
         addRows(tree, row, component.children, path);
         for (const char* feature : FEATURES_OF_A_COMPONENT) addRow(tree, row, feature, path);
-        TreeView_Expand(tree, row, TVE_EXPAND);
+        if (unfolds) TreeView_Expand(tree, row, TVE_EXPAND);
     }
 }
 
@@ -68,6 +70,7 @@ void fillTree(HWND tree) {
     TreeView_DeleteAllItems(tree);
     rows.clear();
     pathsByNumber.clear();
+    unfolds = host().model().components.size() <= UNFOLDED_MAX;
     const HTREEITEM root = addRow(tree, TVI_ROOT, host().model().name, {});
     addRows(tree, root, host().model().components, {});
     TreeView_Expand(tree, root, TVE_EXPAND);

@@ -24,6 +24,7 @@ KeyFilter keyFilter = [](const MSG&) { return false; };
 
 std::mutex taskLock;
 std::deque<std::function<void()>> tasks;
+bool isLoopOver = false;  // guarded by taskLock; nobody would run a task any more
 
 std::atomic<bool> isHeartbeatPending{false};
 std::atomic<DWORD> heartbeatSent{0};
@@ -112,6 +113,7 @@ DWORD uiThreadId() { return threadId; }
 void postToUi(std::function<void()> task) {
     {
         const std::lock_guard guard(taskLock);
+        if (isLoopOver) return;
         tasks.push_back(std::move(task));
     }
     PostMessageW(messageWindow, WM_RUN_TASKS, 0, 0);
@@ -124,6 +126,7 @@ int runUiLoop() {
     isClosing = true;
     heart.join();
     const std::lock_guard guard(taskLock);
+    isLoopOver = true;
     tasks.clear();
     return static_cast<int>(message.wParam);
 }

@@ -13,7 +13,8 @@ namespace workbench {
 void openUiLoop();
 DWORD uiThreadId();
 
-// Runs a task when the message loop gets to it. Any thread. Tasks that are left when the loop has ended are dropped.
+// Runs a task when the message loop gets to it. Any thread. Tasks that come, or are left, when the loop has ended are
+// dropped.
 void postToUi(std::function<void()> task);
 
 // Serves messages until quitUiLoop was called; answers the exit code. Typed characters that are not for an edit field

@@ -35,6 +35,15 @@ inline HWND makeChild(HWND parent, const wchar_t* className, const wchar_t* text
     return window;
 }
 
+// Shows a top-level window above the others and gives it the focus; without a window manager the one does not imply the
+// other.
+inline void bringInFront(HWND window) {
+    ShowWindow(window, SW_SHOW);
+    SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    SetForegroundWindow(window);
+    RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
+}
+
 inline void place(HWND window, int x, int y, int width, int height) {
     SetWindowPos(window, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }

@@ -1,0 +1,166 @@
+// First start: the menu file is made from the host's compiled resources while the host goes on.
+#include <fstream>
+#include <sstream>
+
+#include "tests/e2e/e2e.h"
+#include "tests/mnu/large_set.h"
+#include "tests/mnu/windows/resource_dll.h"
+
+namespace e2e {
+namespace {
+
+using workbench::Environment;
+
+constexpr char kProgressClass[] = "MNUDlgClass";
+
+std::string bytesOf(const std::filesystem::path& file) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+// Index of the function that a command of the menu file has; -1 when there is none.
+int indexOf(const std::string& menuFile, const std::string& command) {
+    std::istringstream lines(menuFile.substr(menuFile.find("[MenuBar]")));
+    int index = 0;
+    for (std::string line; std::getline(lines, line);) {
+        const auto brace = line.find('}');
+        const auto bar = line.find('|');
+        if (brace == std::string::npos || bar == std::string::npos) continue;
+        if (line.substr(brace + 1, bar - brace - 1) == command) return index;
+        ++index;
+    }
+    return -1;
+}
+
+Keys settingsFor(const std::string& mapkey) { return {{"mnuLanguage", ""}, {"useMapkeyForCommands", mapkey}}; }
+
+bool isWhole(const std::string& menuFile) { return menuFile.starts_with("# PTC Creo") && menuFile.ends_with("\n "); }
+
+TEST(FirstStart, EachLanguageMakesAFileWhoseIndicesRunTheRightCommands) {
+    struct Case {
+        const char* language;
+        const char* ownItem;
+    };
+    for (const auto& [language, ownItem] : {Case{"English", "1Toggle Scroll Mode"},
+                                            {"german", "1Fensterrollmodus umschalten"},
+                                            {"FRENCH", "1Toggle Scroll Mode"}}) {
+        SCOPED_TRACE(language);
+        Bench bench(optionsWith(settingsText(settingsFor("off")), {}), {{"LANG", "nonsense"}, {"PRO_LANG", language}});
+        ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }));
+        const std::string file = bytesOf(bench.menuFile());
+        EXPECT_TRUE(isWhole(file));
+        EXPECT_NE(file.find(ownItem), std::string::npos);
+        EXPECT_EQ(indexOf(file, "OB_Toggle_Scroll_Mode"), 0);
+        EXPECT_EQ(indexOf(file, "OB_Toggle_Object_Move_Mode"), 1);
+        bench.expectLog("entries loaded.");
+        const int wireframe = indexOf(file, "ProCmdEnvMdlDisp*Wireframe");
+        ASSERT_GT(wireframe, 1);
+        bench.daemon("event " + std::to_string(0x20020 + wireframe));
+        EXPECT_TRUE(waitFor([&] { return bench.status("style") == "Wireframe"; }));
+
+        // The second start reads the file, whatever the language is by now.
+        bench.host("plugin unload");
+        const auto time = std::filesystem::last_write_time(bench.menuFile());
+        bench.startHost({"--require-plugin"}, {{"PRO_LANG", "german"}});
+        ASSERT_TRUE(waitFor([&] { return bench.daemonStatus("connects") == "2"; }));
+        bench.daemon("event " + std::to_string(0x20020 + wireframe));
+        EXPECT_TRUE(waitFor([&] { return bench.status("style") == "Wireframe"; }));
+        EXPECT_EQ(bytesOf(bench.menuFile()), file);
+        EXPECT_EQ(std::filesystem::last_write_time(bench.menuFile()), time);
+    }
+}
+
+TEST(FirstStart, UnknownLanguageLeavesThePlugInWorkingWithoutCommands) {
+    Bench bench(optionsWith(settingsText(settingsFor("off")), {}), {{"PRO_LANG", "klingon"}});
+    bench.expectLog("Compiled Language Resource File does not exist: ");
+    EXPECT_FALSE(std::filesystem::exists(bench.menuFile()));
+    bench.daemon("event 0x20020");
+    bench.expectLog("menuFncIdx (0') too big (max. is -1)!");
+    bench.openAssemblyForMoving();
+    bench.selectForMoving("41");
+}
+
+// A load point of its own with as many resources as a real installation has.
+class LargeInstallation : public ::testing::Test {
+  protected:
+    static constexpr int kCommands = 4000;
+    static constexpr int kPanes = 200;
+    static constexpr int kPaneSize = 50'000;
+
+    static void SetUpTestSuite() {
+        const std::filesystem::path creo = workbench::buildFolder() / "workbench" / "creo";
+        const std::filesystem::path resources = loadPoint() / "text" / "compiled_resource";
+        std::filesystem::create_directories(loadPoint() / "bin");
+        std::filesystem::create_directories(resources);
+        for (const char* file : {"creo_host.exe", "obk_ctrlr_32.dll"}) {
+            std::filesystem::copy_file(creo / "bin" / file, loadPoint() / "bin" / file,
+                                       std::filesystem::copy_options::overwrite_existing);
+        }
+        const LargeSet set = makeLargeSet(kCommands, kPanes, kPaneSize);
+        makeLibrary(resources / "pro_default_resources.dll", set.panes);
+        makeLibrary(resources / "pro_default_german_resources.dll", set.commands);
+    }
+    static void TearDownTestSuite() {
+        std::error_code ignored;
+        std::filesystem::remove_all(loadPoint(), ignored);
+    }
+
+    static std::filesystem::path loadPoint() {
+        return std::filesystem::temp_directory_path() / ("orbikon_large_" + std::to_string(GetCurrentProcessId()));
+    }
+    static void makeLibrary(const std::filesystem::path& path, const std::vector<Resource>& resources) {
+        std::vector<DllResource> entries;
+        for (const auto& [name, text] : resources) entries.push_back({"TEXT", name.c_str(), text});
+        const auto empty = workbench::buildFolder() / "workbench" / "creo" / "text" / "compiled_resource" /
+                           "pro_default_resources.dll";
+        ASSERT_TRUE(makeResourceDll(path.string(), empty.string(), entries));
+    }
+    static workbench::WorkbenchOptions options() {
+        workbench::WorkbenchOptions options = optionsWith(settingsText(settingsFor("off")), {});
+        options.loadPoint = loadPoint();
+        return options;
+    }
+    static Environment german() { return {{"PRO_LANG", "german"}}; }
+};
+
+TEST_F(LargeInstallation, ShowsItsProgressAndDoesNotHoldTheHost) {
+    Workbench bench(options());
+    bench.startDaemon();
+    bench.startHost({"--require-plugin"}, german());
+    bench.host("blocked");
+    HWND window = nullptr;
+    ASSERT_TRUE(waitFor([&] { return (window = FindWindowA(kProgressClass, nullptr)) != nullptr; }));
+    char title[64] = "";
+    GetWindowTextA(window, title, sizeof title);
+    EXPECT_STREQ(title, "Orbikon");
+    EXPECT_NE(GetWindowLongA(window, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
+    PostMessageA(window, WM_CLOSE, 0, 0);
+    bench.daemon("axes 0 0 0 0 200 0");  // pushed and pressed meanwhile: nothing harmful
+    ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }, 60000));
+    EXPECT_TRUE(waitFor([&] { return FindWindowA(kProgressClass, nullptr) == nullptr; }));
+    bench.daemon("axes 0 0 0 0 0 0");
+    EXPECT_TRUE(isWhole(bytesOf(bench.menuFile())));
+    std::printf("longest block of the host's message loop: %s ms\n", bench.host("blocked").at(0).c_str());
+}
+
+TEST_F(LargeInstallation, EndsCleanlyInTheMiddle) {
+    for (int i = 0; i < 3; ++i) {
+        Workbench bench(options());
+        bench.startDaemon();
+        bench.startHost({"--require-plugin"}, german());
+        ASSERT_TRUE(waitFor([&] { return FindWindowA(kProgressClass, nullptr) != nullptr; }));
+        bench.host("plugin unload");
+        EXPECT_EQ(FindWindowA(kProgressClass, nullptr), nullptr);
+        EXPECT_NE(bench.log().find("Menu file generation was cancelled"), std::string::npos);
+        EXPECT_FALSE(std::filesystem::exists(bench.menuFile())) << "no half file is taken for a whole one later";
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(bench.settingsFolder()), {}), 1)
+            << "only the settings are there";
+        bench.host("plugin load");
+        ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }, 60000));
+        EXPECT_TRUE(isWhole(bytesOf(bench.menuFile())));
+    }
+}
+
+}  // namespace
+}  // namespace e2e

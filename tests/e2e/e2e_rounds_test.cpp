@@ -1,0 +1,32 @@
+#include "tests/e2e/e2e.h"
+#include "tests/windows/process_state.h"
+
+namespace e2e {
+namespace {
+
+// Connected, without a daemon, and with a read that hangs: fifty starts and ends leave nothing behind but the two
+// never-joined threads' handles a round.
+TEST(Start, FiftyRoundsLeakNothing) {
+    Bench bench;
+    const DWORD process = static_cast<DWORD>(std::stoul(bench.status("process")));
+    const auto rounds = [&](int count) {
+        for (int i = 0; i < count; ++i) bench.host("plugin reload 1");
+    };
+    rounds(2);  // what the run-times keep
+    const int handles = countHandles(process);
+    const int threads = countThreads(process);
+    rounds(18);
+    bench.daemon("hold on");
+    rounds(16);
+    bench.killDaemon();
+    rounds(16);
+    // The last plug-in's own threads are running, as they were at the first count.
+    EXPECT_LE(countThreads(process), threads);
+    EXPECT_LE(countHandles(process) - handles, 2 * 50 + 8);
+    EXPECT_EQ(bench.status("plugin"), "initialised");
+    bench.startDaemon();
+    EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("mode") == "Assembly"; })) << "and it still works";
+}
+
+}  // namespace
+}  // namespace e2e

@@ -1,0 +1,210 @@
+// Menu files made from real resource libraries.
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+#include <utility>
+
+#include "OB_Daemon/src/logging.h"
+#include "common_sources/mnuParser.h"
+#include "tests/mnu/large_set.h"
+#include "tests/mnu/windows/data_folder.h"
+#include "tests/mnu/windows/resource_dll.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+using testing::Not;
+
+std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string withCrLf(const std::string& text) {
+    std::string result;
+    for (const char c : text) result.append(c == '\n' ? "\r\n" : std::string(1, c));
+    return result;
+}
+
+class Libraries : public testing::Test {
+  protected:
+    Libraries() {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder);
+        LoggingParameters parameters;
+        parameters.mIsLogToFile = parameters.mIsWarning = parameters.mIsDebug = true;
+        parameters.mLogFile = log;
+        gLogging.init(parameters);
+    }
+    ~Libraries() override {
+        gLogging.init({});
+        std::filesystem::remove_all(folder);
+    }
+
+    // Makes both libraries of a language "test" in the test's own folder.
+    bool makeLibraries(const std::vector<DllResource>& main, const std::vector<DllResource>& language) {
+        const std::string empty = dataFolder() + "pro_default_resources.dll";
+        return makeResourceDll(folder + "pro_default_resources.dll", empty, main) &&
+               makeResourceDll(folder + "pro_default_test_resources.dll", empty, language);
+    }
+
+    bool create(const std::string& resourceFolder, const std::string& language) {
+        return parser.CreateMNU(&progress, menuFile, resourceFolder, language, &cancel);
+    }
+
+    const std::string folder = programFolder() + "mnu_libraries_test.tmp\\";
+    const std::string menuFile = folder + "Creo.mnu";
+    const std::string log = folder + "log.txt";
+    std::atomic<double> progress{0.0};
+    std::atomic<bool> cancel{false};
+    MNUParser parser;
+};
+
+TEST_F(Libraries, BecomeAMenuFileToTheByteInEachLanguage) {
+    ASSERT_EQ(GetACP(), 1252u) << "the expected files are in this code page";
+    for (const std::string language : {"english", "german", "french"}) {
+        ASSERT_TRUE(create(dataFolder(), language)) << parser.failure();
+        EXPECT_EQ(readFile(menuFile), withCrLf(readFile(dataFolder() + language + ".mnu"))) << language;
+        EXPECT_EQ(progress, 0.999999);
+        std::filesystem::remove(menuFile);
+    }
+    EXPECT_THAT(readFile(log), AllOf(HasSubstr("| Create MNU File: " + menuFile),
+                                     HasSubstr("| MNU File created successfully: " + menuFile)));
+}
+
+TEST_F(Libraries, ThatAreMissingOrNoneAreReported) {
+    struct Case {
+        std::string folder;
+        const char* language;
+        std::string failure;
+    };
+    std::ofstream(folder + "pro_default_text_resources.dll") << "This is no library.";
+    std::ofstream(folder + "pro_default_resources.dll") << "MZ neither is this.";
+    std::ofstream(folder + "pro_default_empty_resources.dll");
+    const std::string data = dataFolder();
+    const std::string noLanguage = "Compiled Language Resource File does not exist: ";
+    const Case cases[] = {
+        {data, "klingon", noLanguage + data + "pro_default_klingon_resources.dll"},
+        {data, "x\\..\\pro_default_german", noLanguage + data + "pro_default_x\\..\\pro_default_german_resources.dll"},
+        {folder + "none", "german", noLanguage + folder + "none\\pro_default_german_resources.dll"},
+        {folder, "english", noLanguage + folder + "pro_default_german_resources.dll"},
+        {folder, "text", "Cannot load DLL " + folder + "pro_default_resources.dll"},
+        {folder, "empty", "Cannot load DLL " + folder + "pro_default_resources.dll"},
+        {"", "german", "No folder of compiled resources given"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_FALSE(create(c.folder, c.language));
+        EXPECT_EQ(parser.failure(), c.failure);
+        EXPECT_THAT(readFile(log), HasSubstr("|ERR|"));
+        EXPECT_THAT(readFile(log), HasSubstr(c.failure));
+        EXPECT_FALSE(std::filesystem::exists(menuFile));
+    }
+    CopyFileA((data + "pro_default_german_resources.dll").c_str(),
+              (folder + "pro_default_german_resources.dll").c_str(), FALSE);
+    std::filesystem::remove(folder + "pro_default_resources.dll");
+    EXPECT_FALSE(create(folder, "german"));
+    EXPECT_EQ(parser.failure(), "Compiled Main Resource File does not exist: " + folder + "pro_default_resources.dll");
+}
+
+TEST_F(Libraries, MayHoldAnything) {
+    const std::string longLine(10'000'000, 'x');
+    ASSERT_TRUE(makeLibraries({{"PANE", "VIEW_MENU_PANE.RES",
+                                "ProCmdGood ProCmdSch\xc3\x96n ProCmdLong ProCmdNoUtf8 ProCmdNoLineEnd ProCmdShift"},
+                               {"PANE", "HUGE_PANE.RES", longLine + "ProCmdGood" + longLine},
+                               {RT_RCDATA, MAKEINTRESOURCEA(7), "] COMMAND.LABEL\nA\nB\n"}},
+                              {{RT_RCDATA, "PROCMDGOOD.TXT", "] COMMAND.LABEL\nGood\nGut\n"},
+                               {RT_RCDATA, "PROCMDSCH\xd6N.TXT", "] COMMAND.LABEL\nNice\nSch\xc3\xb6n\n"},
+                               {RT_RCDATA, "PROCMDLONG.TXT", "] COMMAND.LABEL\nLong\n" + longLine},
+                               {RT_RCDATA, "PROCMDNOUTF8.TXT",
+                                "] COMMAND.LABEL\nX\n\xff"
+                                "Bytes\n"},
+                               {RT_RCDATA, "PROCMDNOLINEEND.TXT", "] COMMAND.LABEL"},
+                               {RT_RCDATA, "PROCMDSHIFT.TXT", "] COMMAND.LABEL\nX\n[MenuBar]\n"},
+                               {MAKEINTRESOURCEA(1234), MAKEINTRESOURCEA(1), "PROCMDGOOD.TXT"},
+                               {RT_RCDATA, "PROCMDALONE.TXT", "] COMMAND.LABEL\nX\nAlone\n"}}));
+    ASSERT_TRUE(create(folder, "test")) << parser.failure();
+    const std::string text = readFile(menuFile);
+    EXPECT_THAT(text, AllOf(HasSubstr("\r\n0HUGE"), HasSubstr("\r\n0VIEW_MENU"), HasSubstr("= {}ProCmdGood|"),
+                            HasSubstr("Bytes"), HasSubstr("= {}ProCmdNoUtf8|"), HasSubstr("Sch\xf6n "),
+                            HasSubstr("= {}ProCmdSch\xd6n|")));
+    EXPECT_THAT(text, AllOf(Not(HasSubstr("ProCmdLong")), Not(HasSubstr("ProCmdShift")), Not(HasSubstr("Alone"))));
+    EXPECT_THAT(readFile(log), AllOf(HasSubstr("its label would be read as a section: PROCMDSHIFT"),
+                                     HasSubstr("its label is too long: PROCMDLONG")));
+}
+
+// Sizes that promise nothing, or more than the library has.
+TEST_F(Libraries, MayLieAboutSizes) {
+    struct Case {
+        std::uint32_t lie;
+        const char* message;
+    };
+    constexpr std::uint32_t kSize = 12'345;
+    constexpr Case kCases[] = {
+        {0, "Leere Datei in DLL-Resource: PROCMDBAD.TXT"},
+        {0x0100'0000, "Kann Datei in DLL-Resource nicht locken: PROCMDBAD.TXT"},
+        {0x7fff'ffff, "Kann Datei in DLL-Resource nicht locken: PROCMDBAD.TXT"},
+        {0xffff'ffff, "Kann Datei in DLL-Resource nicht locken: PROCMDBAD.TXT"},
+    };
+    std::string logged;
+    for (const Case& c : kCases) {
+        ASSERT_TRUE(makeLibraries({{"PANE", "VIEW_MENU_PANE.RES", "ProCmdGood ProCmdBad"}},
+                                  {{RT_RCDATA, "PROCMDBAD.TXT", std::string(kSize, 'x')},
+                                   {RT_RCDATA, "PROCMDGOOD.TXT", "] COMMAND.LABEL\nGood\nGut\n"}}));
+        const std::string path = folder + "pro_default_test_resources.dll";
+        std::string bytes = readFile(path);
+        const auto at = bytes.find(std::string(reinterpret_cast<const char*>(&kSize), sizeof kSize));
+        ASSERT_NE(at, bytes.npos);
+        std::memcpy(&bytes[at], &c.lie, sizeof c.lie);
+        std::ofstream(path, std::ios::binary) << bytes;
+        ASSERT_TRUE(create(folder, "test")) << parser.failure();
+        EXPECT_THAT(readFile(menuFile), HasSubstr("= {}ProCmdGood|"));
+        const std::string loggedBefore = std::exchange(logged, readFile(log));
+        EXPECT_THAT(logged.substr(loggedBefore.size()), HasSubstr(c.message)) << c.lie;
+        std::filesystem::remove(menuFile);
+    }
+}
+
+TEST_F(Libraries, OfFullSizeAreReadAndCanBeCancelledAtAnyTime) {
+    const LargeSet set = makeLargeSet(4'000, 200, 50'000);
+    std::vector<DllResource> panes, commands;
+    for (const Resource& pane : set.panes) panes.push_back({"PANE", pane.name.c_str(), pane.text});
+    for (const Resource& text : set.commands) commands.push_back({RT_RCDATA, text.name.c_str(), text.text});
+    ASSERT_TRUE(makeLibraries(panes, commands));
+    ASSERT_TRUE(create(folder, "test")) << parser.failure();
+    EXPECT_GT(std::filesystem::file_size(menuFile), 1'000'000u);
+    std::filesystem::remove(menuFile);
+
+    for (const double from : {0.0, 0.01, 0.31, 0.5, 0.899, 0.9, 0.95}) {
+        progress = 0.0;
+        cancel = from == 0.0;
+        bool hasSucceeded = false;
+        std::thread generation([&] { hasSucceeded = create(folder, "test"); });
+        while (progress < from) std::this_thread::yield();
+        cancel = true;
+        generation.join();
+        const bool isThere = std::filesystem::exists(menuFile);
+        EXPECT_EQ(hasSucceeded, isThere) << "cancelled from " << from;
+        std::filesystem::remove(menuFile);
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            EXPECT_NE(entry.path().extension(), ".tmp") << "cancelled from " << from;
+        }
+    }
+}
+
+// What Windows calls answers sanely whatever happens inside.
+TEST_F(Libraries, EnumerationGoesOnBehindWhatIsNotThere) {
+    const HMODULE module = GetModuleHandleA(nullptr);
+    char missing[] = "PROCMDMISSING.TXT";
+    EXPECT_TRUE(parser.EnumNamesFunc(module, RT_RCDATA, missing));
+    EXPECT_THAT(readFile(log), HasSubstr("Invalid Resource name: PROCMDMISSING.TXT"));
+    EXPECT_TRUE(parser.EnumNamesFunc(module, RT_RCDATA, MAKEINTRESOURCEA(1)));
+}
+
+}  // namespace

@@ -1,0 +1,157 @@
+#include "common_sources/progress_window.h"
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace {
+
+constexpr char kClass[] = "MNUDlgClass";
+constexpr auto kPatience = std::chrono::seconds(20);
+
+bool waitFor(const std::function<bool()>& condition) {
+    for (const auto end = std::chrono::steady_clock::now() + kPatience; std::chrono::steady_clock::now() < end;) {
+        if (condition()) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;
+}
+
+HWND findFrame() { return FindWindowA(kClass, "Orbikon"); }
+HWND findText() { return FindWindowExA(findFrame(), nullptr, "STATIC", nullptr); }
+HWND findBar() { return FindWindowExA(findFrame(), nullptr, PROGRESS_CLASSA, nullptr); }
+
+std::string shownText() {
+    char text[100] = "";
+    SendMessageA(findText(), WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
+    return text;
+}
+
+int shownPosition() { return static_cast<int>(SendMessageA(findBar(), PBM_GETPOS, 0, 0)); }
+
+bool isShown() { return findBar() && IsWindowVisible(findBar()); }
+
+TEST(ProgressWindow, ShowsTheProgressAndIgnoresOtherValues) {
+    ProgressWindow window;
+    window.update(0.5);  // no window yet
+    window.start();
+    EXPECT_TRUE(window.isRunning());
+    ASSERT_TRUE(waitFor(isShown));
+    EXPECT_EQ(shownText(), "Preparing for first start...");
+
+    struct Case {
+        double progress;
+        int percent;
+    };
+    constexpr Case kCases[] = {{0.0, 0},  {0.007, 0},  {0.29, 28}, {0.5, 50},      {-0.1, 50}, {1.01, 50},
+                               {NAN, 50}, {1e300, 50}, {0.3, 30},  {0.999999, 99}, {1.0, 100}};
+    for (const Case& c : kCases) {
+        window.update(c.progress);
+        EXPECT_EQ(shownPosition(), c.percent) << c.progress;
+        EXPECT_EQ(shownText(), "Preparing for first start... " + std::to_string(c.percent) + "%") << c.progress;
+    }
+}
+
+TEST(ProgressWindow, HasItsPlaceAndStaysOnTop) {
+    ProgressWindow window;
+    window.start();
+    ASSERT_TRUE(waitFor(isShown));
+    RECT frame;
+    GetWindowRect(findFrame(), &frame);
+    EXPECT_EQ(frame.right - frame.left, 216);
+    EXPECT_EQ(frame.bottom - frame.top, 80);
+    EXPECT_EQ(GetWindowLongA(findFrame(), GWL_EXSTYLE) & (WS_EX_TOPMOST | WS_EX_TOOLWINDOW),
+              WS_EX_TOPMOST | WS_EX_TOOLWINDOW);
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_STYLE), CS_HREDRAW | CS_VREDRAW);
+    const auto placeOf = [](HWND child) {
+        RECT place;
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, findFrame(), reinterpret_cast<POINT*>(&place), 2);
+        return std::array<LONG, 4>{place.left, place.top, place.right - place.left, place.bottom - place.top};
+    };
+    EXPECT_EQ(placeOf(findBar()), (std::array<LONG, 4>{0, 4, 200, 18}));
+    EXPECT_EQ(placeOf(findText()), (std::array<LONG, 4>{0, 25, 200, 20}));
+}
+
+TEST(ProgressWindow, CannotBeClosedByTheUser) {
+    ProgressWindow window;
+    window.start();
+    ASSERT_TRUE(waitFor(isShown));
+    SendMessageA(findFrame(), WM_CLOSE, 0, 0);
+    SendMessageA(findFrame(), WM_SYSCOMMAND, SC_CLOSE, 0);
+    window.update(0.25);
+    EXPECT_TRUE(isShown());
+    EXPECT_TRUE(window.isRunning());
+    EXPECT_EQ(shownText(), "Preparing for first start... 25%");
+}
+
+TEST(ProgressWindow, IsGoneWithItsThreadAfterStop) {
+    for (const bool isShownFirst : {true, false, true, false}) {
+        ProgressWindow window;
+        window.start();
+        if (isShownFirst) {
+            ASSERT_TRUE(waitFor(isShown));
+        }
+        const DWORD threadId = GetWindowThreadProcessId(findFrame(), nullptr);
+        const HANDLE thread = OpenThread(SYNCHRONIZE, FALSE, threadId);
+        window.stop();
+        EXPECT_FALSE(window.isRunning());
+        EXPECT_EQ(findFrame(), nullptr);
+        if (isShownFirst) {
+            EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
+        }
+        if (thread) CloseHandle(thread);
+        WNDCLASSEXA info = {};
+        info.cbSize = sizeof info;
+        EXPECT_FALSE(GetClassInfoExA(GetModuleHandleA(nullptr), kClass, &info)) << "the class is still registered";
+        window.update(0.5);
+        window.stop();
+    }
+}
+
+TEST(ProgressWindow, EndsWhileUpdatesKeepComing) {
+    for (int round = 0; round < 5; ++round) {
+        ProgressWindow window;
+        window.start();
+        for (int i = 0; i < 10; ++i) window.update(i / 10.0);
+    }
+    EXPECT_EQ(findFrame(), nullptr);
+}
+
+// With the class's name taken the window cannot be made: a message box says so, stop() takes it away, and a later
+// start tries again.
+TEST(ProgressWindow, SaysWhenItCannotBeMade) {
+    WNDCLASSEXA taken = {};
+    taken.cbSize = sizeof taken;
+    taken.lpfnWndProc = DefWindowProcA;
+    taken.hInstance = GetModuleHandleA(nullptr);
+    taken.lpszClassName = kClass;
+    ASSERT_NE(RegisterClassExA(&taken), 0);
+    const auto findBox = [] { return FindWindowA("#32770", "Error!"); };
+    ProgressWindow window;
+
+    window.start();
+    ASSERT_TRUE(waitFor([&] { return findBox() != nullptr; }));
+    EXPECT_NE(FindWindowExA(findBox(), nullptr, "STATIC", "Window Registration Failed!"), nullptr);
+    window.update(0.5);
+    window.stop();
+    EXPECT_EQ(findBox(), nullptr);
+
+    window.start();
+    ASSERT_TRUE(waitFor([&] { return findBox() != nullptr; }));
+    PostMessageA(findBox(), WM_CLOSE, 0, 0);
+    ASSERT_TRUE(waitFor([&] { return !window.isRunning(); })) << "the thread clears the flag when it ends";
+    UnregisterClassA(kClass, GetModuleHandleA(nullptr));
+    window.start();
+    EXPECT_TRUE(waitFor(isShown));
+}
+
+}  // namespace

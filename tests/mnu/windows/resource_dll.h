@@ -1,0 +1,15 @@
+// Resource libraries with any content, made while a test runs.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct DllResource {
+    const char* type;  // text or MAKEINTRESOURCEA
+    const char* name;  // text or MAKEINTRESOURCEA
+    std::string bytes;
+};
+
+// Replaces the resources of a copy of `templateDll`. Answers whether the library could be made.
+bool makeResourceDll(const std::string& path, const std::string& templateDll,
+                     const std::vector<DllResource>& resources);

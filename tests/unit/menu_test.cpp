@@ -1,0 +1,119 @@
+// Loading of the menu file, whatever state it is in.
+#include "tests/unit/plugin.h"
+
+namespace {
+
+using substitute::GenerationEnd;
+using testing::Contains;
+
+class Menu : public PlugIn {
+  protected:
+    // Size of the table as the log tells it; the message of an index that is too big shows the last index.
+    int entries() {
+        newLog();
+        creo().execApplFunction(4294967295u);
+        const std::string line = newLog().back();
+        const auto begin = line.find("max. is ") + 8;
+        return std::stoi(line.substr(begin)) + 1;
+    }
+    std::string macro(std::uint32_t index) {
+        toolkit().macros.clear();
+        creo().execApplFunction(index);
+        std::string text;
+        for (const auto& wide : toolkit().macros) {
+            for (const wchar_t c : wide) text += static_cast<char>(c);
+        }
+        return text;
+    }
+};
+
+TEST_F(Menu, FilesOfEveryKind) {
+    start();
+    struct Case {
+        const char* what;
+        std::string file;
+        int entries;
+        std::string firstMacro;
+    };
+    const Case cases[] = {
+        {"empty", "", 0, ""},
+        {"NULs", std::string(100, '\0'), 0, ""},
+        {"NULs in an entry", std::string("[MenuBar]\na = {}b\0c|d\n", 21), 1, "~ Command `b"},
+        {"no menu", "[Modes]\nPart = 1\n", 0, ""},
+        {"headers take no index", "[MenuBar]\n0A = {}\nx = {}one|h\n0B = {}\ny = {}two|h\n", 2, "~ Command `one`;"},
+        {"no brace", "[MenuBar]\nx = one|h\n", 1, "~ Command `one`;"},
+        {"open brace", "[MenuBar]\nx = {one|h\n", 1, "~ Command `{one`;"},
+        {"empty commands", "[MenuBar]\na = {}\nb =\nc = {}|help\nd = {+ 6}\ne = {}one\n", 1, "~ Command `one`;"},
+        {"equal names", "[MenuBar]\na = {}one|h\na = {}two|h\na = {}one|h\n", 3, "~ Command `one`;"},
+        {"end at the empty line", "[MenuBar]\na = {}one|h\n\nb = {}two|h\n", 1, "~ Command `one`;"},
+        {"closing blank", "[MenuBar]\na = {}one|h\n ", 1, "~ Command `one`;"},
+        {"carriage returns", "[MenuBar]\r\na = {}one\r\nb = {}two|h\r\n", 2, "~ Command `one`;"},
+        {"comment in the help", "[MenuBar]\na = {}one|see # 1\n", 1, "~ Command `one`;"},
+        {"long line", "[MenuBar]\na = {}" + std::string(1'000'000, 'c') + "|h\n", 1,
+         "~ Command `" + std::string(1'000'000, 'c') + "`;"},
+        {"long help", "[MenuBar]\na = {}one|" + std::string(1'000'000, 'h') + "\n", 1, "~ Command `one`;"},
+        {"sections in the other order", "[MenuBar]\na = {}one\n\n[Modes]\nA = 1\n", 1, "~ Command `one`;"},
+    };
+    for (const auto& c : cases) {
+        writeMenuFile(c.file);
+        newLog();
+        creo().loadMenufile();
+        EXPECT_EQ(creo().menuFileProgress(), 1.0);
+        EXPECT_THAT(newLog(), Contains("TRC Menu file '" + menuFile() + "' with " + std::to_string(c.entries) +
+                                       " entries loaded."));
+        EXPECT_EQ(entries(), c.entries) << c.what;
+        EXPECT_TRUE(macro(0) == c.firstMacro) << c.what;
+        EXPECT_EQ(bytesOf(menuFile()), c.file) << c.what;
+    }
+}
+
+TEST_F(Menu, GenerationDecidesWhatIsLoaded) {
+    struct Case {
+        const char* what;
+        GenerationEnd end;
+        std::string file;  // what the generation writes; empty: nothing
+        int entries;
+    };
+    const Case cases[] = {
+        {"succeeds", GenerationEnd::succeeded, "[MenuBar]\na = {}one|h\n", 1},
+        {"says so but writes nothing", GenerationEnd::succeeded, "", 0},
+        {"fails", GenerationEnd::failed, "", 0},
+    };
+    for (const auto& c : cases) {
+        std::filesystem::remove(menuFile());
+        substitute::windows().generate = [](const std::string&) { return GenerationEnd::running; };
+        start();
+        EXPECT_LT(creo().menuFileProgress(), 0.0) << c.what;
+        creo().loadMenufile();  // the first tick starts it, the next ones look
+        creo().loadMenufile();
+        EXPECT_GE(creo().menuFileProgress(), 0.0) << c.what;
+        EXPECT_LT(creo().menuFileProgress(), 1.0) << c.what;
+        EXPECT_EQ(entries(), 0);
+        substitute::windows().generate = [&](const std::string& path) {
+            EXPECT_EQ(path, menuFile());
+            if (!c.file.empty()) writeFile(path, c.file);
+            return c.end;
+        };
+        creo().loadMenufile();
+        EXPECT_EQ(creo().menuFileProgress(), 1.0) << c.what;
+        EXPECT_EQ(entries(), c.entries) << c.what;
+        stop();
+    }
+}
+
+TEST_F(Menu, FolderInPlaceOfTheFileEndsTheLoading) {
+    start();
+    std::filesystem::create_directory(menuFile());
+    creo().loadMenufile();
+    EXPECT_EQ(creo().menuFileProgress(), 1.0);
+    EXPECT_EQ(entries(), 0);
+}
+
+TEST_F(Menu, GenerationThatThrowsEndsTheLoading) {
+    substitute::windows().generate = [](const std::string&) -> GenerationEnd { throw std::bad_alloc(); };
+    start();
+    EXPECT_THROW(creo().loadMenufile(), std::bad_alloc);
+    EXPECT_EQ(creo().menuFileProgress(), 1.0);
+}
+
+}  // namespace

@@ -1,0 +1,118 @@
+// The plug-in with substitutes for driver, host and windows, in a user profile of its own.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common_sources/creo_proxy.h"
+#include "common_sources/daemon_proxy.h"
+#include "common_sources/ob_addin.h"
+#include "tests/substitutes/driver.h"
+#include "tests/substitutes/toolkit.h"
+#include "tests/substitutes/windows.h"
+#include "tests/unit/scratch.h"
+
+using substitute::driver;
+using substitute::Operation;
+using substitute::toolkit;
+
+// How many of the plug-in's threads start: the reading thread is the first, the watchdog (with which every end takes
+// two seconds) the second.
+enum class Threads { none = 0, reading = 1, all = -1 };
+
+class PlugIn : public testing::Test {
+  protected:
+    PlugIn() {
+        setVariable("USERPROFILE", profile.path().c_str());
+        driver().reset();
+        toolkit().reset();
+        substitute::windows() = {};
+        substitute::progress().starts = substitute::progress().stops = 0;
+        substitute::progress().last = -1.0;
+    }
+    ~PlugIn() override {
+        stop();
+        gLogging.init(LoggingParameters());
+        EXPECT_EQ(toolkit().selectionArrays, 0);
+        EXPECT_EQ(toolkit().badFrees, 0);
+        EXPECT_EQ(toolkit().foreignCalls, 0);
+    }
+
+    // Creates the add-in with everything logged; `program` are the lines of section PROGRAM.
+    void start(Threads threads = Threads::none, const std::string& program = kProgram) {
+        writeSettings(program);
+        substitute::allowThreads(static_cast<int>(threads));
+        addin = std::make_unique<CObAddin>();
+        substitute::allowThreads(-1);
+    }
+    void stop() { addin.reset(); }
+
+    static constexpr char kProgram[] =
+        "transSensBase = 500\nrotSensBase = 1\nminThreshold = 10\nmaxContMoveTime = 5000\nscrollTreeAndList = on\n"
+        "readMode = off\nuseMapkeyForCommands = off\nmapkeyDefinition = ob\n";
+
+    void writeSettings(const std::string& program) const {
+        std::filesystem::create_directories(settingsFolder());
+        writeFile(settingsFolder() + kPathSeparator + "Creo_plugin.ini",
+                  "[PROGRAM]\n" + program +
+                      "\n[LOGGING]\nlogFile = plug.log\nmaxSize = 500000\nlogToFile = on\nlogToCnsl = off\n"
+                      "warning = on\ncreation = on\ntrace = on\ndevcom = on\nintcom = on\ninfo = on\ndebug = on\n"
+                      "tmp = on\nfileToLog =\n");
+    }
+    void writeMenuFile(const std::string& bytes) const { writeFile(menuFile(), bytes); }
+
+    std::string productFolder() const { return profile.file("OrbikonController"); }
+    std::string settingsFolder() const { return productFolder() + kPathSeparator + "Applications"; }
+    std::string menuFile() const { return settingsFolder() + kPathSeparator + "Creo.mnu"; }
+
+    // The log so far: "TAG message" for each line of it.
+    std::vector<std::string> log() const {
+        constexpr std::size_t kOtherColumns = 16 + 2 + 4 + 2 + 32 + 2;
+        std::vector<std::string> result;
+        for (const auto& line : linesOf(textOf(productFolder() + kPathSeparator + "plug.log"))) {
+            if (line.size() < 16 || line[2] != ':' || line[12] != '|') continue;
+            const std::size_t begin = line.find('|', 17) + 1 + kOtherColumns;  // the thread's column may be longer
+            result.push_back(line.substr(13, 3) + " " + line.substr(begin));
+        }
+        return result;
+    }
+    // Lines of the log that were written since the last call.
+    std::vector<std::string> newLog() {
+        auto all = log();
+        const auto from = std::min(mLinesSeen, all.size());
+        mLinesSeen = all.size();
+        return {all.begin() + static_cast<std::ptrdiff_t>(from), all.end()};
+    }
+    // The same without those of the levels given.
+    std::vector<std::string> newLogWithout(const std::vector<std::string>& tags) {
+        auto lines = newLog();
+        std::erase_if(lines, [&](const std::string& line) {
+            return std::find(tags.begin(), tags.end(), line.substr(0, 3)) != tags.end();
+        });
+        return lines;
+    }
+
+    CreoProxy& creo() const { return *addin->mCreoProxyP; }
+    DaemonProxy& daemon() const { return *addin->mDaemonProxyP; }
+
+    void setAxes(std::int16_t tx, std::int16_t ty, std::int16_t tz, std::int16_t rx, std::int16_t ry,
+                 std::int16_t rz) const {
+        MotionSlots& slots = addin->motion;
+        slots.tx = tx;
+        slots.ty = ty;
+        slots.tz = tz;
+        slots.rx = rx;
+        slots.ry = ry;
+        slots.rz = rz;
+    }
+
+    ScratchFolder profile;
+    std::unique_ptr<CObAddin> addin;
+
+  private:
+    std::size_t mLinesSeen = 0;
+};

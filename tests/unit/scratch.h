@@ -1,0 +1,99 @@
+// A folder of its own for a test, files in it, environment variables, and waiting for a condition.
+#pragma once
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "OB_Daemon/src/logging.h"
+
+#ifdef _WIN32
+#include <process.h>
+inline int processId() { return _getpid(); }
+#else
+#include <unistd.h>
+inline int processId() { return getpid(); }
+#endif
+
+// Null: unset.
+inline void setVariable(const char* name, const char* value) {
+#ifdef _WIN32
+    _putenv_s(name, value != nullptr ? value : "");
+#else
+    if (value != nullptr) {
+        setenv(name, value, 1);
+    } else {
+        unsetenv(name);
+    }
+#endif
+}
+
+// A fresh folder below the current one, removed at the end of the scope.
+class ScratchFolder {
+  public:
+    ScratchFolder() : mPath("unit-scratch-" + std::to_string(processId()) + "-" + std::to_string(++count())) {
+        mPath = std::filesystem::absolute(mPath);
+        std::filesystem::remove_all(mPath);
+        std::filesystem::create_directories(mPath);
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(mPath, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    std::string path() const { return mPath.string(); }
+    std::string file(const std::string& name) const { return path() + kPathSeparator + name; }
+
+  private:
+    static int& count() {
+        static int number = 0;
+        return number;
+    }
+    std::filesystem::path mPath;
+};
+
+// The bytes of a file; empty when it cannot be read.
+inline std::string bytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The text of a file with line ends as "\n".
+inline std::string textOf(const std::string& path) {
+    std::string text = bytesOf(path);
+    std::erase(text, '\r');
+    return text;
+}
+
+inline std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::size_t begin = 0;
+    for (auto end = text.find('\n'); end != std::string::npos; end = text.find('\n', begin)) {
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    if (begin < text.size()) lines.push_back(text.substr(begin));
+    return lines;
+}
+
+inline void writeFile(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+// Waits until the condition holds. False after a long time.
+template <typename Condition>
+bool waitUntil(Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
