@@ -10,6 +10,7 @@ namespace workbench {
 namespace {
 
 constexpr const char* kProgressClass = "MNUDlgClass";
+constexpr const char* kHostClass = "CreoMainWindow";
 constexpr const char* kProgressText = "Preparing for first start... ";
 constexpr std::size_t kExcerptLines = 14;
 constexpr std::size_t kModes = 23;
@@ -37,6 +38,11 @@ std::optional<std::string> progressText() {
     SendMessageTimeoutA(text, WM_GETTEXT, sizeof buffer, reinterpret_cast<LPARAM>(buffer), SMTO_ABORTIFHUNG, 1000,
                         nullptr);
     return buffer;
+}
+
+// The host's main window, and the progress window while there is one.
+void shootHost(Stage& stage, Step& step, const std::string& caption) {
+    stage.shootTogether(step, caption, {FindWindowA(kHostClass, nullptr), FindWindowA(kProgressClass, nullptr)});
 }
 
 int percentOf(const std::string& text) {
@@ -81,10 +87,10 @@ void generate(Stage& stage, Step& step) {
     waitFor([&] {
         if (const auto now = progressText()) {
             shown = *now;
-            lowest = std::min(lowest, percentOf(shown));
-            highest = std::max(highest, percentOf(shown));
-            if (step.shots.empty() && percentOf(shown) > 0)
-                stage.shootScreen(step, "The progress window, and the host.");
+            const int percent = percentOf(shown);
+            if (percent >= 0) lowest = std::min(lowest, percent);
+            highest = std::max(highest, percent);
+            if (step.shots.empty() && percent > 0) shootHost(stage, step, "The progress window, and the host.");
             return false;
         }
         return std::filesystem::exists(bench.menuFile());
@@ -95,7 +101,7 @@ void generate(Stage& stage, Step& step) {
     step.check("Settings file", "none", std::filesystem::exists(bench.settingsFile()) ? "written" : "none", "written",
                std::filesystem::exists(bench.settingsFile()));
     step.check("Progress window", "", progressText() ? "there" : "gone", "gone", !progressText());
-    stage.shootScreen(step, "The host is ready.");
+    shootHost(stage, step, "The host is ready.");
 }
 
 void lookAtFile(Stage& stage, Step& step) {
@@ -111,7 +117,7 @@ void bindButton(Stage& stage, Step& step) {
     bench.startHost({"--require-plugin"}, kHostEnvironment);
     bench.host("model GEARBOX.ASM");
     bench.host("front main");
-    waitFor([&] { return bench.daemonStatus("mode") == "Assembly"; });
+    waitFor([&] { return bench.daemonStatus("mode") == kAssemblyMode; });
     const std::filesystem::path bindings = bench.folder() / "buttons.txt";
     writeTextFile(bindings, std::string("[Default]\n7 = ") + kBoundCommand + "\n");
     bench.daemon("bind " + quoted(bindings) + " " + quoted(bench.menuFile()));

@@ -37,7 +37,7 @@ void playStart(Stage& stage) {
             step.check("Applications connected to the daemon", "", stage.bench().daemonStatus("clients"), "1",
                        stage.bench().daemonStatus("clients") == "1");
             step.check("Mode told to the daemon", "", stage.bench().daemonStatus("mode"), "Assembly",
-                       stage.bench().daemonStatus("mode") == "Assembly");
+                       stage.bench().daemonStatus("mode") == kAssemblyMode);
             stage.shoot(step, "Model tree on the left, graphics in the middle, panels on the right.");
         });
 }

@@ -12,7 +12,6 @@ namespace workbench {
 namespace {
 
 constexpr const char* kAssembly = "GEARBOX.ASM";
-constexpr const char* kAssemblyMode = "Assembly";
 constexpr Colour kSelectedEdge{0x00, 0xA0, 0x40};  // in which the host paints what is selected
 constexpr const char* kTickText = "timerIntvl: ";  // in the plug-in's log, once each tick
 constexpr int kTicksSeen = 2;                      // the first may have begun before
@@ -113,6 +112,15 @@ void Stage::shootWithPointer(Step& step, const std::string& caption) { shootMain
 
 void Stage::shootScreen(Step& step, const std::string& caption) {
     step.shots.push_back(save(Picture::ofDesktop(), caption));
+}
+
+void Stage::shootTogether(Step& step, const std::string& caption, const std::vector<HWND>& windows) {
+    RECT area{};
+    for (const HWND window : windows) {
+        RECT place{};
+        if (GetWindowRect(window, &place)) UnionRect(&area, &area, &place);
+    }
+    step.shots.push_back(save(Picture::ofScreen(area), caption));
 }
 
 // ---- workbenches ----

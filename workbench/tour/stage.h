@@ -41,6 +41,8 @@ class Stage {
     // A picture of the main window; of the whole screen when there is none.
     void shoot(Step& step, const std::string& caption);
     void shootScreen(Step& step, const std::string& caption);
+    // The part of the screen that holds these windows.
+    void shootTogether(Step& step, const std::string& caption, const std::vector<HWND>& windows);
     // The same with the mouse pointer marked.
     void shootWithPointer(Step& step, const std::string& caption);
 
@@ -97,6 +99,7 @@ class Stage {
     std::unique_ptr<Workbench> mBench;
 };
 
+inline constexpr const char* kAssemblyMode = "Assembly";
 inline constexpr const char* kMoveToggle = "Toggle Move Mode";
 inline constexpr const char* kScrollToggle = "Toggle Scroll Mode";
 inline constexpr const char* kMoveCommand = "OB_Toggle_Object_Move_Mode";
