@@ -11,7 +11,7 @@ BEGIN {
                   "Symbol Tolerance Finish Weld Flange Bend Punch Mold Cast Core Cavity Runner Gate Fixture Tool " \
                   "Toolpath Operation Machine Mechanism Joint Spring Damper Load Mesh Result Cable Pipe Harness " \
                   "Component Family Layer", base, " ")
-    kinds = split("Solid Thin Simple Assembly", kind, " ")
+    kinds = split("Solid Thin Simple Assembly Tapered Variable Flexible Inherited", kind, " ")
     nouns = 0
     for (b in base) for (k = 1; k <= kinds; k++) noun[++nouns] = kind[k] base[b]
     for (n = 1; n <= nouns; n++) {

@@ -42,14 +42,19 @@ ScreenPoint pointerPlace() {
     return {static_cast<int>(at.x), static_cast<int>(at.y)};
 }
 
-// What a step's line tells: its first check that failed, or else its first line.
+// What a step's line tells: its first check that failed, or else the first that says what changed, or any.
 std::string gist(const Step& step) {
     if (!step.failure.empty()) return step.failure;
-    if (step.measures.empty()) return {};
-    const auto failed = std::ranges::find(step.measures, false, &Measure::isOk);
-    const Measure& m = failed == step.measures.end() ? step.measures.front() : *failed;
-    return m.what + ": " + (m.before.empty() ? "" : m.before + " -> ") + m.after +
-           (m.isOk ? "" : " (expected: " + m.expected + ")");
+    const auto& all = step.measures;
+    if (all.empty()) return {};
+    auto told = std::ranges::find(all, false, &Measure::isOk);
+    if (told == all.end()) {
+        told = std::ranges::find_if(
+            all, [](const auto& m) { return !m.expected.empty() && !m.before.empty() && m.before != m.after; });
+    }
+    if (told == all.end()) told = all.begin();
+    return told->what + ": " + (told->before.empty() ? "" : told->before + " -> ") + told->after +
+           (told->isOk ? "" : " (expected: " + told->expected + ")");
 }
 
 }  // namespace
