@@ -93,6 +93,11 @@ void ProgressWindow::stop() {
     ++substitute::progress().stops;
 }
 
+#if defined(__SANITIZE_THREAD__)
+// The plug-in's threads are never joined, by design.
+extern "C" const char* __tsan_default_options() { return "report_thread_leaks=0"; }
+#endif
+
 // The linker sends the plug-in's calls of pthread_create here.
 extern "C" {
 int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*), void* argument);

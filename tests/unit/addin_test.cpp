@@ -11,6 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 class AddIn : public PlugIn {};
+using AddInDeathTest = AddIn;  // by this name it runs first, before there are threads
 
 TEST_F(AddIn, EndWithoutAStartDoesNothing) {
     user_terminate();
@@ -69,7 +70,7 @@ TEST_F(AddIn, WatchdogThatCannotBeStartedIsGoneWithout) {
 
 #ifndef _WIN32
 // Deliberately hard: without one of its two sides the plug-in ends the host, daemon or not.
-TEST_F(AddIn, SideThatCannotBeCreatedEndsTheProcess) {
+TEST_F(AddInDeathTest, SideThatCannotBeCreatedEndsTheProcess) {
     writeSettings(kProgram);
     EXPECT_EXIT(
         {

@@ -1,0 +1,50 @@
+// Any bytes as the menu file: modes and commands are what the plain reading of its two sections says.
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "common_sources/menu_file.h"
+#include "config/cnfg.h"
+#include "fuzz/check.h"
+#include "fuzz/plain_reader.h"
+
+namespace {
+
+std::string plainCommand(const std::string& value) {
+    std::string command;
+    bool isBehindBrace = value.find('}') == std::string::npos;
+    for (const char c : value) {
+        if (!isBehindBrace) {
+            isBehindBrace = c == '}';
+        } else if (c == '|') {
+            break;
+        } else {
+            command += c;
+        }
+    }
+    return command;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::string path = "/tmp/orbikon_menu_reader_fuzz." + std::to_string(getpid());
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    std::ofstream(path, std::ios::binary) << text;
+    Cnfg file(path);
+    const MenuFileContent content = readMenuFileContent(file);
+    std::remove(path.c_str());
+
+    std::vector<std::string> modes, commands;
+    for (const auto& [key, value] : plain::section(text, "Modes")) modes.push_back(key);
+    for (const auto& [key, value] : plain::section(text, "MenuBar")) {
+        if (const auto command = plainCommand(value); !command.empty()) commands.push_back(command);
+    }
+    check(content.modeNames == modes);
+    check(content.commands == commands);
+    return 0;
+}
