@@ -41,4 +41,13 @@ if [ ! -e "$WINEPREFIX/.ready" ]; then
     fi
     exec 9>&-
 fi
-exec wine "$@"
+
+# Services that Wine starts along with a program keep its standard output open and would hold up whoever reads it to
+# the end. So the program writes to a file, which is passed on while it grows.
+output=$(mktemp)
+trap 'rm -f "$output"' EXIT
+wine "$@" >"$output" 2>&1 &
+program=$!
+trap 'kill "$program" 2>/dev/null' TERM INT
+tail -n +1 -s 0.1 -f --pid="$program" "$output"
+wait "$program"

@@ -1,0 +1,34 @@
+// The scenes of the tour, in the order in which they are played.
+#pragma once
+
+#include <span>
+
+#include "workbench/tour/stage.h"
+
+namespace workbench {
+
+struct Scene {
+    const char* name;
+    const char* title;
+    const char* text;  // what it is about
+    void (*play)(Stage& stage);
+};
+
+std::span<const Scene> scenes();
+
+void playFirstStart(Stage& stage);
+void playStart(Stage& stage);
+void playViewTurn(Stage& stage);
+void playMoveMode(Stage& stage);
+void playTranslation(Stage& stage);
+void playGroupTurn(Stage& stage);
+void playRelease(Stage& stage);
+void playTreeScrolling(Stage& stage);
+void playListScrolling(Stage& stage);
+void playCommandByMacro(Stage& stage);
+void playCommandByMapkey(Stage& stage);
+void playStandardViews(Stage& stage);
+void playToggles(Stage& stage);
+void playDaemonLoss(Stage& stage);
+
+}  // namespace workbench
