@@ -49,9 +49,10 @@ void pinLibrary() {
 CObAddin* gAddin = nullptr;
 
 int user_initialize() {
-    atEdge("user_initialize", [] {
+    static constexpr char kMethod[] = "user_initialize";
+    atEdge(kMethod, [] {
         if (gAddin != nullptr) {
-            OB_LOG(LogLevel::WRN) << "user_initialize() called twice!";
+            OB_LOG_IN(LogLevel::WRN, kMethod) << "user_initialize() called twice!";
             return;
         }
         pinLibrary();

@@ -168,7 +168,9 @@ struct LogVoid {
 };
 
 // NOLINTBEGIN(bugprone-macro-parentheses): the message follows the macro
-#define OB_LOG(level)                                     \
+#define OB_LOG(level) OB_LOG_IN(level, __func__)
+// The same inside a lambda, whose own name would tell nothing: `method` is the method that the lambda belongs to.
+#define OB_LOG_IN(level, method)                          \
     !LogStatement::isWanted(level) ? static_cast<void>(0) \
-                                   : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, __func__).self()
+                                   : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, method).self()
 // NOLINTEND(bugprone-macro-parentheses)
