@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 #include <thread>
+#include <utility>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -89,8 +90,8 @@ CObAddin::~CObAddin() {
     mDaemonProxyP->stopReading();
     while (mIsWatchdogRunning) std::this_thread::sleep_for(kWatchdogPause);
     mDaemonProxyP->resetLegacyCom1();
-    delete mDaemonProxyP;
-    mDaemonProxyP = nullptr;
+    // Nothing finds it from here on: a tick that comes meanwhile must not switch the legacy channel off again.
+    delete std::exchange(mDaemonProxyP, nullptr);
     delete mCreoProxyP;
     mCreoProxyP = nullptr;
     OB_LOG(LogLevel::CRT) << "Destructed.";
