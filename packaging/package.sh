@@ -4,6 +4,7 @@
 set -euo pipefail
 . "$(dirname "$0")/../scripts/common.sh"
 
+lock_checkout
 scripts/setup.sh run
 build_preset windows-x86 orbikon_creo mnu_make
 package=out/package
