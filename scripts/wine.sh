@@ -11,7 +11,8 @@ set -euo pipefail
 exec 5>&-  # the lock of the run that has started this
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${ORBIKON_WINEPREFIX:-$root/build/wine}
-export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=' WINEDEBUG=${WINEDEBUG:--all}
+# winemenubuilder would put menu entries and file types into the user's home.
+export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=' WINEDEBUG=${WINEDEBUG:--all}
 mkdir -p "$(dirname "$WINEPREFIX")"
 
 if [ "${1:-}" = --stop ]; then
