@@ -7,9 +7,9 @@
 set -euo pipefail
 exec 5>&-  # the lock of the run that has started this: no service that apt starts may keep it
 
-run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest xvfb wine)
+run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest xvfb fonts-wine)
 test_packages=(clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev)
-wine32=wine32:i386
+wine_packages=(wine wine32:i386)
 lock_timeout=300  # seconds to wait for another installation on this machine
 
 say() { printf '[setup] %s\n' "$*"; }
@@ -54,13 +54,14 @@ install_missing() {
         die "installing packages needs root or sudo; please install by hand: ${missing[*]}"
     local log; log=$(mktemp)
     say "installing ${missing[*]} (some minutes the first time; apt's output: $log)"
-    if printf '%s\n' "${missing[@]}" | grep -q ':i386$'; then
+    if printf '%s\n' "${missing[@]}" | grep -q ':i386$'; then  # one foreign package: the architecture is needed
         dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
     fi
     as_root apt-get update >"$log" 2>&1 || say "apt-get update reported errors; going on with the lists there are"
     local native=() foreign=() package
     for package in "${missing[@]}"; do
-        case $package in *:i386) foreign+=("$package") ;; *) native+=("$package") ;; esac
+        # "wine" comes with wine32: alone it would bring the 64-bit Wine, which nobody needs here.
+        case $package in wine | *:i386) foreign+=("$package") ;; *) native+=("$package") ;; esac
     done
     if [ ${#native[@]} -gt 0 ]; then
         apt_install "$log.native" -- "${native[@]}" ||
@@ -69,10 +70,10 @@ install_missing() {
             { tail -n 15 "$log.native" "$log.native.main" >&2 2>/dev/null; die "could not install ${native[*]}"; }
     fi
     if [ ${#foreign[@]} -gt 0 ]; then
-        apt_install "$log.i386" -- wine "${foreign[@]}" ||
+        apt_install "$log.i386" -- "${wine_packages[@]}" ||
             { say "the 32-bit packages do not install the usual way (their security index lags);" \
                   "falling back to the main suite alone"
-              install_from_main_suite "$log.i386" wine "${foreign[@]}"; } ||
+              install_from_main_suite "$log.i386" "${wine_packages[@]}"; } ||
             { tail -n 15 "$log.i386" "$log.i386.main" >&2 2>/dev/null
               die "the 32-bit Wine packages (${foreign[*]}) cannot be had on this machine;" \
                   "nothing of the plug-in can be run or tested without them"; }
@@ -83,7 +84,7 @@ install_missing() {
     say "packages installed"
 }
 
-wanted=("${run_packages[@]}" "$wine32")
+wanted=("${run_packages[@]}" "${wine_packages[@]}")
 [ "${1:-all}" = run ] || wanted+=("${test_packages[@]}")
 missing=()
 for package in "${wanted[@]}"; do is_installed "$package" || missing+=("$package"); done

@@ -231,12 +231,19 @@ TEST_F(Log, RotatesBeforeTheFirstLineThatFindsTheFileFull) {
 }
 
 TEST_F(Log, RotatesAFileThatIsFullFromTheStart) {
-    writeFile(path(), std::string(2000, 'o'));
-    parameters.mMaxSize = 2;
     init();
-    OB_LOG(LogLevel::ERR) << "new";
-    EXPECT_TRUE(bytesOf(backup()).starts_with(std::string(2000, 'o')));
-    EXPECT_THAT(messages(), testing::ElementsAre("new"));
+    gLogging.init(LoggingParameters());
+    const std::size_t headerSize = bytesOf(path()).size();
+    parameters.mMaxSize = 2;
+    for (const auto& [size, isRotated] : {std::pair{1999u, false}, {2000u, true}, {5000u, true}}) {
+        std::filesystem::remove(backup());
+        writeFile(path(), std::string(size - headerSize, 'o'));
+        init();
+        OB_LOG(LogLevel::ERR) << "new";
+        EXPECT_EQ(std::filesystem::exists(backup()), isRotated) << size;
+        EXPECT_EQ(bytesOf(path()).starts_with("o"), !isRotated) << size;
+        gLogging.init(LoggingParameters());
+    }
 }
 
 TEST_F(Log, SizeZeroRotatesBeforeEveryLineAndHugeSizesNever) {

@@ -119,7 +119,6 @@ int run(const Options& options) {
     std::optional<CapKeys> capKeys;
     if (options.isInteractive) {
         capKeys.emplace();
-        host().message(std::string("Cap keys: ") + CAP_KEYS);
     }
     setKeyFilter([&](const MSG& message) { return (capKeys && capKeys->filter(message)) || runShortcut(message); });
     bool isStarted = true;
@@ -128,6 +127,8 @@ int run(const Options& options) {
         isStarted = plugins().isAnyRegistered() && plugins().start();
         if (!plugins().isAnyRegistered()) host().message("No application is registered.");
     }
+    // Last, so that no message of the start hides it.
+    if (options.isInteractive) host().message(std::string("Cap keys: ") + CAP_KEYS);
     if (!isStarted && options.requiresPlugin) postToUi([] { quitUiLoop(EXIT_NO_PLUGIN); });
     const int exitCode = runUiLoop();
     plugins().unload();
