@@ -4,6 +4,7 @@
 set -euo pipefail
 . "$(dirname "$0")/../scripts/common.sh"
 
+lock_checkout
 scripts/setup.sh run
 build_preset windows-x86 orbikon_creo mnu_make
 package=out/package
@@ -11,6 +12,8 @@ rm -rf "$package"
 mkdir -p "$package"
 cp build/windows-x86/orbikon_creo.dll build/windows-x86/mnu_make.exe "$package/"
 i686-w64-mingw32-strip "$package/orbikon_creo.dll" "$package/mnu_make.exe"
-cp -r build/windows-x86/text packaging/protk.dat docs LICENSE "$package/"
+cp -r packaging/protk.dat docs LICENSE "$package/"
+mkdir "$package/text"
+cp -r text/*/ "$package/text/"
 echo "$package:"
 ls "$package"

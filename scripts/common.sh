@@ -1,14 +1,22 @@
-# Sourced by ./run and ./test.
+# shellcheck shell=bash
+# Sourced by ./run, ./test and packaging/package.sh.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-cd "$root"
+cd "$root" || exit 1
 
 step() { printf '\n== %s\n' "$*"; }
+
+# Build folders and Wine prefix belong to one run at a time; another one waits. Descriptor 5 holds the lock; wine.sh
+# closes it, so that what Wine leaves running does not keep it.
+lock_checkout() {
+    mkdir -p build
+    exec 5>build/.lock
+    flock -n 5 || { echo 'waiting for another run in this checkout to end ...' >&2; flock 5; }
+}
 
 # Configures a preset once and builds it (all of it, or the targets given). The tool's output is shown only when it
 # fails; progress goes to the terminal.
 build_preset() {
     local preset=$1 log; shift
-    mkdir -p build
     log=build/$preset.log
     if [ ! -e "build/$preset/build.ninja" ]; then
         cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; return 1; }

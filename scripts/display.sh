@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced: sets DISPLAY to a virtual X server of the project's own, started when none is running. The server keeps
 # its number and process id in $WINEPREFIX.display.
 display_file=$WINEPREFIX.display

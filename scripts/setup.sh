@@ -5,20 +5,17 @@
 #   scripts/setup.sh            everything that ./test needs
 #   scripts/setup.sh run        only what ./run needs (no sanitizers, linters, fuzzers)
 set -euo pipefail
+exec 5>&-  # the lock of the run that has started this: no service that apt starts may keep it
 
 run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest xvfb fonts-wine)
 test_packages=(clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev)
 wine_packages=(wine wine32:i386)
+lock_timeout=300  # seconds to wait for another installation on this machine
 
 say() { printf '[setup] %s\n' "$*"; }
 die() { printf '[setup] error: %s\n' "$*" >&2; exit 1; }
 
-as_root() {
-    if [ "$(id -u)" = 0 ]; then "$@"
-    elif command -v sudo >/dev/null; then sudo "$@"
-    else die "installing packages needs root or sudo; please install by hand: ${missing[*]}"
-    fi
-}
+as_root() { if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi; }
 
 is_installed() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
@@ -27,13 +24,14 @@ apt_install() {  # apt_install LOG OPTION... -- PACKAGE...
     while [ "$1" != -- ]; do options+=("$1"); shift; done
     shift
     as_root env DEBIAN_FRONTEND=noninteractive apt-get "${options[@]}" -o Dpkg::Use-Pty=0 \
-        install -y --no-install-recommends "$@" >"$log" 2>&1
+        -o DPkg::Lock::Timeout="$lock_timeout" install -y --no-install-recommends "$@" >"$log" 2>&1
 }
 
 # The i386 index of the security suite sometimes lags behind its signature. The main suite alone, read through a
 # source file and list folder of our own, then still has a consistent set of packages.
 install_from_main_suite() {
     local log=$1 folder uri; shift
+    # shellcheck disable=SC2016  # apt's variable, not the shell's
     uri=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' 'Component: main' |
           head -n 1)
     [ -n "$uri" ] || die "no Debian 12 main suite is configured on this machine; see $log"
@@ -52,6 +50,8 @@ install_from_main_suite() {
 }
 
 install_missing() {
+    [ "$(id -u)" = 0 ] || command -v sudo >/dev/null ||
+        die "installing packages needs root or sudo; please install by hand: ${missing[*]}"
     local log; log=$(mktemp)
     say "installing ${missing[*]} (some minutes the first time; apt's output: $log)"
     if printf '%s\n' "${missing[@]}" | grep -q ':i386$'; then  # one foreign package: the architecture is needed

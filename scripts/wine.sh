@@ -8,13 +8,15 @@
 #   ORBIKON_WINEPREFIX   folder of the Wine prefix (default: build/wine in this checkout)
 #   ORBIKON_DISPLAY      use this X display (":0" and the like) instead of a virtual one
 set -euo pipefail
+exec 5>&-  # the lock of the run that has started this
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${ORBIKON_WINEPREFIX:-$root/build/wine}
-export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=' WINEDEBUG=${WINEDEBUG:--all}
+# winemenubuilder would put menu entries and file types into the user's home.
+export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=' WINEDEBUG=${WINEDEBUG:--all}
 mkdir -p "$(dirname "$WINEPREFIX")"
 
 if [ "${1:-}" = --stop ]; then
-    [ -d "$WINEPREFIX" ] && wineserver -k 2>/dev/null || true
+    [ ! -d "$WINEPREFIX" ] || wineserver -k 2>/dev/null || true
     if [ -r "$WINEPREFIX.display" ]; then
         read -r _ server <"$WINEPREFIX.display"
         kill "$server" 2>/dev/null || true
@@ -49,5 +51,9 @@ trap 'rm -f "$output"' EXIT
 wine "$@" >"$output" 2>&1 &
 program=$!
 trap 'kill "$program" 2>/dev/null' TERM INT
-tail -n +1 -s 0.1 -f --pid="$program" "$output"
-wait "$program"
+tail -n +1 -s 0.1 -f --pid="$program" "$output" &  # in the background, so that the traps run at once
+follower=$!
+status=0
+wait "$program" || status=$?
+wait "$follower"
+exit $status

@@ -81,6 +81,24 @@ TEST(FirstStart, UnknownLanguageLeavesThePlugInWorkingWithoutCommands) {
     bench.selectForMoving("41");
 }
 
+// The settings win over Creo's own variable, that over the system's variable, that over the system's language.
+TEST(FirstStart, LanguageHasFourSources) {
+    struct Case {
+        const char *setting, *proLang, *lang;
+        const char* wanted;  // language of the library that is looked for; "" = that of the system, which is there
+    };
+    for (const auto& [setting, proLang, lang, wanted] :
+         {Case{"Aaa", "bbb", "ccc", "aaa"}, {"", "bBb", "ccc", "bbb"}, {"", "", "CCC", "ccc"}, {"", "", "", ""}}) {
+        SCOPED_TRACE(wanted);
+        Bench bench(optionsWith(settingsText({{"mnuLanguage", setting}}), {}), {{"PRO_LANG", proLang}, {"LANG", lang}});
+        if (*wanted == '\0') {
+            EXPECT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }));
+        } else {
+            bench.expectLog("\\pro_default_" + std::string(wanted) + "_resources.dll");
+        }
+    }
+}
+
 // A load point of its own with as many resources as a real installation has.
 class LargeInstallation : public ::testing::Test {
   protected:
@@ -137,10 +155,12 @@ TEST_F(LargeInstallation, ShowsItsProgressAndDoesNotHoldTheHost) {
     EXPECT_NE(GetWindowLongA(window, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
     PostMessageA(window, WM_CLOSE, 0, 0);
     bench.daemon("axes 0 0 0 0 200 0");  // pushed and pressed meanwhile: nothing harmful
+    ASSERT_TRUE(waitFor([&] { return bench.askDaemon("event 0x20022").isOk; }));
     ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }, 60000));
     EXPECT_TRUE(waitFor([&] { return FindWindowA(kProgressClass, nullptr) == nullptr; }));
     bench.daemon("axes 0 0 0 0 0 0");
     EXPECT_TRUE(isWhole(bytesOf(bench.menuFile())));
+    EXPECT_TRUE(bench.isHostRunning());
     std::printf("longest block of the host's message loop: %s ms\n", bench.host("blocked").at(0).c_str());
 }
 

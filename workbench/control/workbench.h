@@ -39,7 +39,7 @@ struct WorkbenchOptions {
     std::filesystem::path plugin{};         // the plug-in's DLL; empty = orbikon_creo.dll in the build folder
     std::filesystem::path textDir{};        // folder that holds "text"; empty = the build folder
     std::filesystem::path loadPoint{};      // the host's; empty = workbench\\creo in the build folder
-    bool isFolderKept = false;            // leaves the folder behind, to be looked at
+    bool isFolderKept = false;              // leaves the folder behind, to be looked at
 };
 
 class Workbench {

@@ -11,8 +11,9 @@ inline HINSTANCE program() { return GetModuleHandleW(nullptr); }
 
 // The one font of all controls.
 inline HFONT uiFont() {
-    static const HFONT FONT = CreateFontW(-12, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                                          CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH | FF_SWISS, L"DejaVu Sans");
+    static const HFONT FONT =
+        CreateFontW(-12, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                    CLEARTYPE_QUALITY, DEFAULT_PITCH | FF_SWISS, L"DejaVu Sans");
     return FONT;
 }
 

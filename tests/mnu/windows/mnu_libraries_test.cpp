@@ -113,6 +113,22 @@ TEST_F(Libraries, ThatAreMissingOrNoneAreReported) {
     EXPECT_EQ(parser.failure(), "Compiled Main Resource File does not exist: " + folder + "pro_default_resources.dll");
 }
 
+TEST_F(Libraries, AreDataWhoseCodeNeverRuns) {
+    constexpr char kTrace[] = "ARMED_LIBRARY_RAN";
+    const std::string armed = programFolder() + "armed_library.dll";
+    ASSERT_TRUE(makeResourceDll(folder + "pro_default_resources.dll", armed, {{"PANE", "VIEW_PANE.RES", "ProCmdOne"}}));
+    ASSERT_TRUE(makeResourceDll(folder + "pro_default_test_resources.dll", armed,
+                                {{"TEXT", "PROCMDONE.TXT", "#1 [ProCmdOne] Command.Label\nOne\nEins\n"}}));
+    ASSERT_TRUE(create(folder, "test")) << parser.failure();
+    EXPECT_THAT(readFile(menuFile), HasSubstr("Eins"));
+    EXPECT_EQ(GetEnvironmentVariableA(kTrace, nullptr, 0), 0u);
+
+    const HMODULE loaded = LoadLibraryA((folder + "pro_default_resources.dll").c_str());
+    EXPECT_NE(GetEnvironmentVariableA(kTrace, nullptr, 0), 0u) << "the library is not armed at all";
+    FreeLibrary(loaded);
+    SetEnvironmentVariableA(kTrace, nullptr);
+}
+
 TEST_F(Libraries, MayHoldAnything) {
     const std::string longLine(10'000'000, 'x');
     ASSERT_TRUE(makeLibraries({{"PANE", "VIEW_MENU_PANE.RES",
