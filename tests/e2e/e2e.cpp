@@ -4,79 +4,24 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "workbench/control/plugin_settings.h"
+
 namespace e2e {
 
 namespace {
 
 constexpr int kMaxAxis = 350;  // a firm push of the cap
 
-// All keys of the settings file with the defaults, but with everything logged.
-const std::vector<std::pair<std::string, std::string>> kProgram = {
-    {"name", "Geiplaigok"},     {"version", "2.8.6"},           {"transSensBase", "40000"},
-    {"rotSensBase", "10000"},   {"minThreshold", "0"},          {"maxContMoveTime", "200"},
-    {"maxFrameTime", "100"},    {"blockTransInRotMode", "off"}, {"scrollTreeAndList", "off"},
-    {"readMode", "on"},         {"mnuLanguage", "english"},     {"useMapkeyForCommands", "off"},
-    {"mapkeyDefinition", "ob"},
-};
-const std::vector<std::pair<std::string, std::string>> kLogging = {
-    {"logFile", "Creo_plugin_log.txt"},
-    {"maxSize", "50000"},
-    {"logToFile", "on"},
-    {"logToCnsl", "off"},
-    {"warning", "on"},
-    {"creation", "on"},
-    {"trace", "on"},
-    {"devcom", "off"},
-    {"intcom", "off"},
-    {"info", "off"},
-    {"debug", "on"},
-    {"tmp", "off"},
-    {"fileToLog", ""},
-};
-
-std::vector<double> numbersOf(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<double> numbers;
-    for (double number; stream >> number;) numbers.push_back(number);
-    return numbers;
-}
-
-Frame frameOf(const std::vector<double>& m) {
-    if (m.size() != 16) throw std::runtime_error("no matrix of 16 numbers");
-    return {{{{m[0], m[1], m[2]}, {m[4], m[5], m[6]}, {m[8], m[9], m[10]}}}, {m[12], m[13], m[14]}};
-}
-
 }  // namespace
 
-Vector operator+(const Vector& a, const Vector& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
-Vector operator-(const Vector& a, const Vector& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-Vector operator*(const Vector& a, double factor) { return {a[0] * factor, a[1] * factor, a[2] * factor}; }
-double dot(const Vector& a, const Vector& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-double length(const Vector& a) { return std::sqrt(dot(a, a)); }
-
-Vector turned(const Vector& v, const Vector& axis, double angle) {
-    const double w = std::cos(angle / 2);
-    const Vector q = axis * std::sin(angle / 2);
-    const auto cross = [](const Vector& a, const Vector& b) {
-        return Vector{a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-    };
-    const Vector t = cross(q, v) * 2.0;
-    return v + t * w + cross(q, t);
-}
-
 std::string settingsText(const Keys& changes) {
-    std::string text;
-    const auto append = [&](const char* section, const auto& keys) {
-        text += "[" + std::string(section) + "]\n";
-        for (const auto& [key, value] : keys) {
-            const auto change = changes.find(key);
-            text += "\t" + key + " = " + (change != changes.end() ? change->second : value) + "\n";
-        }
-        text += "\n";
-    };
-    append("PROGRAM", kProgram);
-    append("LOGGING", kLogging);
-    return text;
+    Keys keys = changes;
+    keys.merge(Keys{{"maxContMoveTime", "200"},
+                    {"scrollTreeAndList", "off"},
+                    {"readMode", "on"},
+                    {"mnuLanguage", "english"},
+                    {"useMapkeyForCommands", "off"}});
+    return workbench::settingsText(keys);
 }
 
 std::string menuText(const std::vector<std::string>& commands) {
@@ -111,25 +56,25 @@ Bench::Bench(const workbench::WorkbenchOptions& options, const workbench::Enviro
     }
 }
 
-Frames Bench::positions() {
-    Frames frames;
+Poses Bench::positions() {
+    Poses frames;
     for (const std::string& line : host("positions")) {
         std::istringstream stream(line);
         int id = 0;
         std::string name, rest;
         stream >> id >> name;
         std::getline(stream, rest);
-        frames[id] = frameOf(numbersOf(rest));
+        frames[id] = workbench::poseOf(rest);
     }
     return frames;
 }
 
-Frame Bench::view() { return frameOf(numbersOf(host("view").at(0))); }
+Pose Bench::view() { return workbench::poseOf(host("view").at(0)); }
 
 std::array<Vector, 3> Bench::screenAxes() {
     // The view turns model rows into screen rows: the model direction that is shown along screen axis k is column k
     // of its rotation.
-    const Frame now = view();
+    const Pose now = view();
     std::array<Vector, 3> axes;
     for (int k = 0; k < 3; ++k) {
         const Vector column{now.axes[0][k], now.axes[1][k], now.axes[2][k]};

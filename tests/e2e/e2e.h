@@ -9,33 +9,26 @@
 #include <string>
 #include <vector>
 
+#include "workbench/control/pose.h"
 #include "workbench/control/workbench.h"
 
 namespace e2e {
 
+using workbench::dot;
+using workbench::length;
+using workbench::Pose;
+using workbench::Poses;
+using workbench::turned;
+using workbench::Vector;
 using workbench::waitFor;
 using workbench::Workbench;
-using Vector = std::array<double, 3>;
-
-// Axes and origin of a component, or of the view: four rows of three.
-struct Frame {
-    std::array<Vector, 3> axes;
-    Vector origin;
-};
-using Frames = std::map<int, Frame>;  // by component id
-
-Vector operator+(const Vector& a, const Vector& b);
-Vector operator-(const Vector& a, const Vector& b);
-Vector operator*(const Vector& a, double factor);
-double dot(const Vector& a, const Vector& b);
-double length(const Vector& a);
-
-// Turns a vector about a unit axis by an angle in radians, with quaternions.
-Vector turned(const Vector& v, const Vector& axis, double angle);
+using workbench::operator+;
+using workbench::operator-;
+using workbench::operator*;
 
 using Keys = std::map<std::string, std::string>;
 
-// A settings file in which `changes` (key -> value) replace defaults, and everything is logged to the file.
+// A settings file with scrolling off, macros instead of the mapkey and the mode read on every tick, but for `changes`.
 std::string settingsText(const Keys& changes = {});
 
 // A menu file with the modes and the given commands, one menu; indices 0 and 1 are the plug-in's own toggles.
@@ -51,8 +44,8 @@ class Bench : public Workbench {
 
     explicit Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment = {});
 
-    Frames positions();
-    Frame view();                                // rows as answered: with scale and shift
+    Poses positions();
+    Pose view();                                 // rows as answered: with scale and shift
     std::array<Vector, 3> screenAxes();          // screen right, up and towards the viewer, in model coordinates
     std::string status(const std::string& key);  // of the host
     void push(int tx, int ty, int tz, int rx, int ry, int rz);

@@ -23,7 +23,7 @@ class Commands : public ::testing::TestWithParam<const char*> {
     void moveShaft() {
         bench.openAssemblyForMoving();
         bench.selectForMoving("41");
-        const Frames before = bench.positions();
+        const Poses before = bench.positions();
         bench.push(200, 0, 0, 0, 0, 0);
         ASSERT_TRUE(waitFor([&] { return length(bench.positions().at(41).origin - before.at(41).origin) > 1.0; }));
         bench.release();
@@ -35,7 +35,7 @@ INSTANTIATE_TEST_SUITE_P(Ways, Commands, ::testing::Values("off", "on"),
 
 // The same button, both ways: the picture changes; the undo stack stays with the mapkey and is lost with the macro.
 TEST_P(Commands, ButtonChangesThePictureAndTheUndoStackIsKeptByTheMapkeyOnly) {
-    const Frames original = bench.positions();
+    const Poses original = bench.positions();
     moveShaft();
     ASSERT_NE(bench.status("undo"), "0");
     bench.host("front main");
@@ -163,7 +163,7 @@ TEST(SpecialEvents, StandardViews) {
     for (const auto& [code, rows] : cases) {
         bench.daemon(event(code));
         EXPECT_TRUE(waitFor([&] {
-            const Frame view = bench.view();
+            const Pose view = bench.view();
             for (int i = 0; i < 3; ++i) {
                 if (length(view.axes[i] * (1.0 / length(view.axes[i])) - rows[i]) > 1e-4) return false;
             }

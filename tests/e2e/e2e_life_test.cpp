@@ -84,7 +84,7 @@ TEST(Start, WorksOnMisalignedStacks) {
     bench.host("cursor graphics");
     bench.openAssemblyForMoving();
     bench.selectForMoving("all");
-    const Frames before = bench.positions();
+    const Poses before = bench.positions();
     for (const char* type : {"18", "24", "41", "72", "73"}) bench.host("notify " + std::string(type));
     bench.push(100, -50, 20, 10, 20, 30);
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(41).origin - before.at(41).origin) > 1.0; }));
@@ -160,7 +160,7 @@ TEST(Timer, FindsANewWindow) {
     bench.selectForMoving("41");
     bench.host("rebuild");
     menuOf(bench);
-    const Frames before = bench.positions();
+    const Poses before = bench.positions();
     bench.push(100, 0, 0, 0, 0, 0);
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(41).origin - before.at(41).origin) > 1.0; }));
     bench.release();

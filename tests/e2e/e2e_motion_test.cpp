@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kShaft = 41;
 
-bool isOrthonormal(const Frame& frame, double tolerance) {
+bool isOrthonormal(const Pose& frame, double tolerance) {
     for (int i = 0; i < 3; ++i) {
         for (int k = 0; k < 3; ++k) {
             if (std::abs(dot(frame.axes[i], frame.axes[k]) - (i == k ? 1.0 : 0.0)) > tolerance) return false;
@@ -17,7 +17,7 @@ bool isOrthonormal(const Frame& frame, double tolerance) {
     return true;
 }
 
-void expectUnmoved(const Frames& before, const Frames& after, const std::vector<int>& exceptions) {
+void expectUnmoved(const Poses& before, const Poses& after, const std::vector<int>& exceptions) {
     for (const auto& [id, frame] : before) {
         if (std::find(exceptions.begin(), exceptions.end(), id) != exceptions.end()) continue;
         EXPECT_LT(length(after.at(id).origin - frame.origin), 1e-12) << "component " << id;
@@ -33,7 +33,7 @@ TEST(Motion, TranslationFollowsTheScreensAxes) {
     const auto screen = bench.screenAxes();
     for (int axis = 0; axis < 3; ++axis) {
         for (const int push : {200, -200}) {
-            const Frames before = bench.positions();
+            const Poses before = bench.positions();
             std::array<int, 3> t{};
             t[axis] = push;
             bench.push(t[0], t[1], t[2], 0, 0, 0);
@@ -42,7 +42,7 @@ TEST(Motion, TranslationFollowsTheScreensAxes) {
             })) << "axis "
                 << axis;
             bench.release();
-            const Frames after = bench.positions();
+            const Poses after = bench.positions();
             const Vector way = after.at(kShaft).origin - before.at(kShaft).origin;
             EXPECT_NEAR(dot(way, screen[axis]) * (push > 0 ? 1 : -1) / length(way), 1.0, 1e-9) << "axis " << axis;
             // A step is axis / (transSensBase / 500) = 2.5 model units; only whole steps were made.
@@ -61,7 +61,7 @@ TEST(Motion, OneComponentTurnsAboutItsOwnOriginRightHanded) {
     bench.selectForMoving(std::to_string(kShaft));
     const auto screen = bench.screenAxes();
     for (int axis = 0; axis < 3; ++axis) {
-        const Frame before = bench.positions().at(kShaft);
+        const Pose before = bench.positions().at(kShaft);
         std::array<int, 3> r{};
         r[axis] = 40;  // 0.004 radians a step
         bench.push(0, 0, 0, r[0], r[1], r[2]);
@@ -69,7 +69,7 @@ TEST(Motion, OneComponentTurnsAboutItsOwnOriginRightHanded) {
             return length(bench.positions().at(kShaft).axes[(axis + 1) % 3] - before.axes[(axis + 1) % 3]) > 0.01;
         }));
         bench.release();
-        const Frame after = bench.positions().at(kShaft);
+        const Pose after = bench.positions().at(kShaft);
         EXPECT_LT(length(after.origin - before.origin), 1e-9);
         EXPECT_TRUE(isOrthonormal(after, 1e-9));
         // The angle is what the first axis that is not the turning axis says; all three axes must agree with it.
@@ -92,7 +92,7 @@ TEST(Motion, GroupTurnsAboutItsCentreAsARigidBody) {
     bench.openAssemblyForMoving();
     bench.selectForMoving("39 41 58/3");  // a part of the sub-assembly stands for the whole of it
     const std::vector<int> group{39, 41, 58};
-    const auto centreOf = [&](const Frames& frames) {
+    const auto centreOf = [&](const Poses& frames) {
         Vector low = frames.at(39).origin, high = low;
         for (const int id : group) {
             for (int k = 0; k < 3; ++k) {
@@ -102,13 +102,13 @@ TEST(Motion, GroupTurnsAboutItsCentreAsARigidBody) {
         }
         return low + (high - low) * 0.5;
     };
-    const Frames before = bench.positions();
+    const Poses before = bench.positions();
     const Vector centre = centreOf(before);
     const auto screen = bench.screenAxes();
     bench.push(0, 0, 0, 0, 0, 1);  // so small a step that the centre's own way does not count
     ASSERT_TRUE(waitFor([&] { return length(bench.positions().at(58).origin - before.at(58).origin) > 0.05; }));
     bench.release();
-    const Frames after = bench.positions();
+    const Poses after = bench.positions();
     for (const int id : group) {
         const Vector armBefore = before.at(id).origin - centre;
         const Vector armAfter = after.at(id).origin - centre;
@@ -127,8 +127,8 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
     bench.host("model GEARBOX.ASM");
     bench.host("select none");
     // Left alone, the motion moves the view and nothing else.
-    const Frame viewBefore = bench.view();
-    const Frames before = bench.positions();
+    const Pose viewBefore = bench.view();
+    const Poses before = bench.positions();
     bench.push(0, 0, 0, 0, 150, 0);
     EXPECT_TRUE(waitFor([&] { return length(bench.view().axes[0] - viewBefore.axes[0]) > 1e-3; }));
     bench.release();
@@ -138,7 +138,7 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
     // Move mode alone, without a selection, changes nothing about that.
     bench.host("menu click Toggle Move Mode");
     bench.push(0, 0, 0, 0, 150, 0);
-    const Frame viewMiddle = bench.view();
+    const Pose viewMiddle = bench.view();
     EXPECT_TRUE(waitFor([&] { return length(bench.view().axes[0] - viewMiddle.axes[0]) > 1e-3; }));
     bench.release();
     EXPECT_EQ(bench.daemonStatus("legacy_sets"), "0");
@@ -146,7 +146,7 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
     // With a selection the channel goes off, once, and comes back, once, when the selection is gone.
     bench.selectForMoving(std::to_string(kShaft));
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "0"; }));
-    const Frame viewAtRest = bench.view();
+    const Pose viewAtRest = bench.view();
     bench.push(100, 0, 0, 0, 0, 0);
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(kShaft).origin - before.at(kShaft).origin) > 1.0; }));
     bench.release();
@@ -169,14 +169,14 @@ TEST(Motion, ThousandComponents) {
     bench.openAssemblyForMoving();
     bench.host("components 1000");
     bench.selectForMoving("all");
-    const Frames before = bench.positions();
+    const Poses before = bench.positions();
     ASSERT_EQ(before.size(), 1000u);
     const auto screen = bench.screenAxes();
     bench.push(80, 0, 0, 0, 0, 0);
     const int first = before.begin()->first;
     ASSERT_TRUE(waitFor([&] { return length(bench.positions().at(first).origin - before.at(first).origin) > 0.5; }));
     bench.release();
-    const Frames after = bench.positions();
+    const Poses after = bench.positions();
     const Vector way = after.at(first).origin - before.at(first).origin;
     EXPECT_NEAR(dot(way, screen[0]) / length(way), 1.0, 1e-9);
     for (const auto& [id, frame] : before) {
@@ -214,11 +214,11 @@ TEST(Motion, FailingToolkit) {
         EXPECT_TRUE(waitFor([&] { return std::stoi(bench.host("calls " + name).at(0)) >= calls + 2; }, 5000) ||
                     name == "ProFeatureInit")
             << name << " was not called while it failed";
-        const Frame frame = bench.positions().at(kShaft);
+        const Pose frame = bench.positions().at(kShaft);
         EXPECT_TRUE(isOrthonormal(frame, 1e-9)) << name;
         bench.host("fail " + name + " -1 0");
     }
-    const Frame before = bench.positions().at(kShaft);
+    const Pose before = bench.positions().at(kShaft);
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(kShaft).origin - before.origin) > 1.0; }))
         << "motion goes on once the toolkit works again";
     bench.release();
@@ -229,7 +229,7 @@ TEST(Motion, UselessDivisorsMoveNothing) {
     Bench bench(Keys{{"transSensBase", "499"}, {"rotSensBase", "0"}});
     bench.openAssemblyForMoving();
     bench.selectForMoving("all");
-    const Frames before = bench.positions();
+    const Poses before = bench.positions();
     bench.push(100, 100, 100, 100, 100, 100);
     bench.expectLog("transSensBase or rotSensBase too small");
     bench.release();

@@ -76,7 +76,7 @@ TEST_F(Scroll, WindowsWithScrollBars) {
 TEST_F(Scroll, EndsAreRespectedAndTheMotionStaysConsumed) {
     bench.host("panel library");
     bench.host("cursor listbox");
-    const Frame view = bench.view();
+    const Pose view = bench.view();
     bench.push(0, 0, 350, 0, 0, 0);
     EXPECT_TRUE(waitFor([&] {
         const BarState state = bar("listbox", "vertical");

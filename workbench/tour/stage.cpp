@@ -6,7 +6,7 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "workbench/tour/settings.h"
+#include "workbench/control/plugin_settings.h"
 
 namespace workbench {
 namespace {

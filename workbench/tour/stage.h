@@ -11,7 +11,7 @@
 
 #include "workbench/control/picture.h"
 #include "workbench/control/workbench.h"
-#include "workbench/tour/geometry.h"
+#include "workbench/control/pose.h"
 #include "workbench/tour/page.h"
 
 namespace workbench {

@@ -1,4 +1,4 @@
-// The plug-in's settings file as the tour wants it.
+// A settings file for the plug-in, as tests and the tour want it.
 #pragma once
 
 #include <map>

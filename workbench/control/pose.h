@@ -1,4 +1,4 @@
-// Vectors and frames as the tour measures them on the model.
+// Vectors and poses as tests and the tour measure them on the host's model.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "workbench/tour/geometry.h"
+#include "workbench/control/pose.h"
 
 #include <algorithm>
 #include <cmath>

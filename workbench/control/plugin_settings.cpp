@@ -1,4 +1,4 @@
-#include "workbench/tour/settings.h"
+#include "workbench/control/plugin_settings.h"
 
 namespace workbench {
 namespace {
