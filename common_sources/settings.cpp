@@ -193,6 +193,11 @@ void Settings::writeSettingsFile(const std::string& path) const {
     for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
     out << "\n[" << mLogPars.mSectionName << "]\n";
     for (const auto& key : kLoggingKeys) writeKeyLine(out, mLogPars, key);
+    out.close();
+    if (!out) {  // the disk is full
+        OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
+        return;
+    }
     OB_LOG(LogLevel::TRC) << "Default settings file written.";
 }
 

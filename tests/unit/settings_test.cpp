@@ -235,6 +235,15 @@ TEST_F(SettingsFile, PlaceThatCannotBeUsed) {
     EXPECT_EQ(bytesOf(blocked), "in the way");
 }
 
+#ifdef __linux__
+TEST_F(SettingsFile, FullDiskIsReported) {
+    logEverything();
+    const Settings settings;
+    settings.writeSettingsFile("/dev/full");
+    EXPECT_THAT(log(), testing::HasSubstr("| Writing default settings file '/dev/full' failed!\n"));
+}
+#endif
+
 TEST_F(SettingsFile, ProfileNamedInTheProcessCodePage) {
     const std::string place = profile.file("J\xf6rg");
     setVariable("USERPROFILE", place.c_str());
