@@ -70,17 +70,18 @@ void CreoProxy::defineMapkey() {
 }
 
 void CreoProxy::executeCommandByMapkey(const std::string& macro) {
-    atEdge("executeCommandByMapkey", [&] {
+    static constexpr char kMethod[] = "executeCommandByMapkey";
+    atEdge(kMethod, [&] {
         if (!isCreoInFront()) {
-            OB_LOG(LogLevel::TRC) << "executeCommandByMapkey, but Creo is not activ window...";
+            OB_LOG_IN(LogLevel::TRC, kMethod) << "executeCommandByMapkey, but Creo is not activ window...";
             return;
         }
-        OB_LOG(LogLevel::TRC) << "Writing new trail file ...";
+        OB_LOG_IN(LogLevel::TRC, kMethod) << "Writing new trail file ...";
         if (!writeTrailFile(mTrailFilePath, macro)) {
-            OB_LOG(LogLevel::ERR) << "Cannot write trail file '" << mTrailFilePath << "' failed!";
+            OB_LOG_IN(LogLevel::ERR, kMethod) << "Cannot write trail file '" << mTrailFilePath << "' failed!";
             return;
         }
-        OB_LOG(LogLevel::TRC) << "Trail file written.";
+        OB_LOG_IN(LogLevel::TRC, kMethod) << "Trail file written.";
         sendMapkey();
     });
 }

@@ -209,10 +209,11 @@ bool scaleStep(const Axes& axes, const Settings& settings, Step& step) {
 bool CreoProxy::isCapMoving() { return capMoving; }
 
 bool CreoProxy::doTransform() {
-    atEdge("doTransform", [this] {
+    static constexpr char kMethod[] = "doTransform";
+    atEdge(kMethod, [this] {
         using Clock = std::chrono::steady_clock;
         const auto start = Clock::now();
-        OB_LOG(LogLevel::INF) << "Do Transformation";
+        OB_LOG_IN(LogLevel::INF, kMethod) << "Do Transformation";
         const auto maxTime = static_cast<std::uint32_t>(mOwner->settings.mMaxContMoveTime);
         decideLegacyChannel();
         std::uint32_t elapsed = 0;
@@ -225,7 +226,7 @@ bool CreoProxy::doTransform() {
             if (!transformOnce()) break;
             ++cnt;
         }
-        OB_LOG(LogLevel::INF) << "Finished Transformation, cnt: " << cnt << ", timeDiff: " << elapsed;
+        OB_LOG_IN(LogLevel::INF, kMethod) << "Finished Transformation, cnt: " << cnt << ", timeDiff: " << elapsed;
     });
     return capMoving;
 }

@@ -39,10 +39,12 @@ BOOL CALLBACK findGraphicsWindow(HWND child, LPARAM) {
     });
 }
 
-bool setTimer(HWND window, UINT interval) {
-    if (SetTimer(window, kTimerId, interval, TimerProc) != 0) return true;
-    OB_LOG(LogLevel::ERR) << "Error in SetTimer()! err=" << GetLastError();
-    return false;
+void setTimer(HWND window, UINT interval) {
+    // Without a window Windows would make up a timer of its own, which nobody could end again.
+    if (!isValid(window)) return;
+    if (SetTimer(window, kTimerId, interval, TimerProc) != 0) return;
+    const DWORD err = GetLastError();  // before the log calls Windows
+    OB_LOG(LogLevel::ERR) << "Error in SetTimer()! err=" << err;
 }
 
 // Marks a tick as running for the time of a scope.
@@ -93,6 +95,7 @@ void CreoProxy::checkWindows() {
     if (isValid(mTimerWindow) && isValid(mGraphicsWindow) && IsWindow(mTimerWindow) && IsWindow(mGraphicsWindow)) {
         return;
     }
+    killTimer();  // the search may come to another window, and two timers would run then
     mTimerWindow = nullptr;
     mGraphicsWindow = nullptr;
     discoverWindows();
@@ -106,7 +109,7 @@ void CreoProxy::onTimer() {
     if (mIsInTick) return;  // a toolkit call dispatches messages
     const InTick inTick(mIsInTick);
     OB_LOG(LogLevel::INF) << "Timer Callback start";
-    KillTimer(mTimerWindow, kTimerId);
+    killTimer();
     if (mOwner->settings.mIsModeToRead) checkMode(false);
     if (mMenuFileProgress != kProgressDone) loadMenufile();
     doTransform();

@@ -12,7 +12,7 @@ Result atEdge(const char* name, Result onError, Body&& body) noexcept {
     try {
         return std::forward<Body>(body)();
     } catch (...) {
-        OB_LOG(LogLevel::ERR) << "Error " << name << "()";
+        OB_LOG_IN(LogLevel::ERR, name) << "Error " << name << "()";
         return onError;
     }
 }

@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 #include <thread>
+#include <utility>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -49,9 +50,10 @@ void pinLibrary() {
 CObAddin* gAddin = nullptr;
 
 int user_initialize() {
-    atEdge("user_initialize", [] {
+    static constexpr char kMethod[] = "user_initialize";
+    atEdge(kMethod, [] {
         if (gAddin != nullptr) {
-            OB_LOG(LogLevel::WRN) << "user_initialize() called twice!";
+            OB_LOG_IN(LogLevel::WRN, kMethod) << "user_initialize() called twice!";
             return;
         }
         pinLibrary();
@@ -88,8 +90,8 @@ CObAddin::~CObAddin() {
     mDaemonProxyP->stopReading();
     while (mIsWatchdogRunning) std::this_thread::sleep_for(kWatchdogPause);
     mDaemonProxyP->resetLegacyCom1();
-    delete mDaemonProxyP;
-    mDaemonProxyP = nullptr;
+    // Nothing finds it from here on: a tick that comes meanwhile must not switch the legacy channel off again.
+    delete std::exchange(mDaemonProxyP, nullptr);
     delete mCreoProxyP;
     mCreoProxyP = nullptr;
     OB_LOG(LogLevel::CRT) << "Destructed.";

@@ -113,8 +113,14 @@ Logging::~Logging() {
     OB_LOG(LogLevel::CRT) << "Logging::~Logging(): destructed.";
 }
 
+void Logging::leaveToProcessEnd() {
+    gLoggerAlive = 0;
+    static_cast<void>(mMutex.release());
+    static_cast<void>(mFile.release());
+}
+
 void Logging::init(const LoggingParameters& parameters) {
-    mMutex.lock();
+    mMutex->lock();
     mOwner = currentThreadId();  // a statement from here is a nested one
     try {
         mParameters = parameters;
@@ -130,16 +136,16 @@ void Logging::init(const LoggingParameters& parameters) {
         mFile.reset();
     }
     mOwner = 0;
-    mMutex.unlock();
+    mMutex->unlock();
 }
 
 void Logging::setSettingsDirPath(const std::string& path) {
-    mMutex.lock();
+    mMutex->lock();
     try {
         mParameters.mSettingsDirPath = path;
     } catch (const std::exception&) {  // out of memory: init() brings the path again
     }
-    mMutex.unlock();
+    mMutex->unlock();
 }
 
 void Logging::openLogFile() {
@@ -177,7 +183,7 @@ void Logging::writeHeader() {
 bool Logging::beginStatement(int level, std::string_view sourceFile, std::string_view prefix) {
     if (!isEnabled(level)) return false;
     const bool isNested = isOwner();
-    if (!isNested && mMutex.lock() != 0) return false;
+    if (!isNested && mMutex->lock() != 0) return false;
     std::string head;
     bool isAccepted = false;
     try {
@@ -192,7 +198,7 @@ bool Logging::beginStatement(int level, std::string_view sourceFile, std::string
         mOwner = currentThreadId();
         append(head);
     } else if (!isNested) {
-        mMutex.unlock();
+        mMutex->unlock();
     }
     return isAccepted;
 }
@@ -275,7 +281,7 @@ void Logging::releaseStatement() {
         return;
     }
     mOwner = 0;
-    mMutex.unlock();
+    mMutex->unlock();
 }
 
 bool Logging::isOwner() const { return mOwner.load(std::memory_order_relaxed) == currentThreadId(); }

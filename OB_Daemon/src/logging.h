@@ -89,6 +89,10 @@ class Logging {
     // Renames the log file to its backup (extension .bak) and starts a fresh one. The caller has begun a statement.
     void backupLogFile();
 
+    // For the end of a process, when the other threads are gone wherever they were, perhaps inside the lock or the
+    // file: nothing is logged any more, and destruction leaves both alone. Every line is in the file already.
+    void leaveToProcessEnd();
+
   private:
     void openLogFile();
     void writeHeader();
@@ -104,7 +108,7 @@ class Logging {
     std::string mLogFilePath;
     std::unique_ptr<std::ostringstream> mBuffer;  // statement being built; guarded by mMutex, as all above
     std::unique_ptr<std::ofstream> mFile;         // null while nothing is logged to a file
-    Mutex mMutex;
+    std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();
     bool mIsHexDump = false;
 
     struct Outer;                                   // statement that a nested one interrupts
@@ -168,7 +172,9 @@ struct LogVoid {
 };
 
 // NOLINTBEGIN(bugprone-macro-parentheses): the message follows the macro
-#define OB_LOG(level)                                     \
+#define OB_LOG(level) OB_LOG_IN(level, __func__)
+// The same inside a lambda, whose own name would tell nothing: `method` is the method that the lambda belongs to.
+#define OB_LOG_IN(level, method)                          \
     !LogStatement::isWanted(level) ? static_cast<void>(0) \
-                                   : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, __func__).self()
+                                   : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, method).self()
 // NOLINTEND(bugprone-macro-parentheses)

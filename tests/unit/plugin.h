@@ -37,6 +37,11 @@ class PlugIn : public testing::Test {
     ~PlugIn() override {
         stop();
         gLogging.init(LoggingParameters());
+        // A statement inside a lambda names the method around it.
+        const std::string written = textOf(productFolder() + kPathSeparator + "plug.log");
+        for (const char* className : {"CObAddin", "CreoProxy", "DaemonProxy"}) {
+            EXPECT_EQ(written.find(std::string(className) + "::operator()"), std::string::npos);
+        }
         EXPECT_EQ(toolkit().selectionArrays, 0);
         EXPECT_EQ(toolkit().badFrees, 0);
         EXPECT_EQ(toolkit().foreignCalls, 0);
