@@ -32,7 +32,7 @@ LoggingParameters parametersOf(Kind kind) {
 void statement(benchmark::State& state, Kind kind) {
     if (state.thread_index() == 0) gLogging.init(parametersOf(kind));
     int interval = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         OB_LOG(LogLevel::DBG) << "interval: " << ++interval << ", factor: " << 0.5;
         benchmark::DoNotOptimize(interval);
     }

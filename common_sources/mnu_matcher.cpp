@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::size_t kCancelStride = 64 * 1024;  // characters between two looks at the cancel flag
+constexpr std::size_t kCancelStride = std::size_t{64} * 1024;  // characters between two looks at the cancel flag
 
 }  // namespace
 

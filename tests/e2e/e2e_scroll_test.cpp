@@ -131,6 +131,30 @@ TEST_F(Scroll, WheelWindows) {
     bench.release();
 }
 
+// One notch by its sign, nothing else in the word; the pointer's place on the screen in the other.
+TEST_F(Scroll, WheelMessagesToTheBit) {
+    constexpr int kTowardsTheTop = 0x00780000;
+    constexpr int kTowardsTheEnd = static_cast<int>(0xFF880000);
+    bench.host("panel results");
+    bench.host("cursor list");
+    POINT pointer{};
+    ASSERT_TRUE(GetCursorPos(&pointer));
+    const int place = pointer.y << 16 | pointer.x;
+    struct Case {
+        int tx, ty, tz;
+        int wParam;
+    };
+    for (const auto& [tx, ty, tz, wParam] : {Case{0, 0, 200, kTowardsTheEnd},
+                                             {0, 200, 0, kTowardsTheTop},
+                                             {100, 0, 0, kTowardsTheEnd},
+                                             {-100, 0, 50, kTowardsTheTop}}) {
+        bench.push(tx, ty, tz, 0, 0, 0);
+        EXPECT_TRUE(waitFor([&] { return value("list", "wheel_wparam") == wParam; })) << tx << " " << ty << " " << tz;
+        EXPECT_EQ(value("list", "wheel_lparam"), place);
+    }
+    bench.release();
+}
+
 // Two siblings lie upon each other: the smaller one under the pointer scrolls, the larger one beside it.
 TEST_F(Scroll, SmallestOfOverlappingSiblings) {
     bench.host("panel palette");

@@ -98,7 +98,8 @@ void ProgressWindow::stop() {
 extern "C" const char* __tsan_default_options() { return "report_thread_leaks=0"; }
 #endif
 
-// The linker sends the plug-in's calls of pthread_create here.
+// The linker sends the plug-in's calls of pthread_create here, and gives the functions their names.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*), void* argument);
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*), void* argument);
@@ -109,3 +110,4 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
     if (substitute::allowedThreads > 0) --substitute::allowedThreads;
     return __real_pthread_create(thread, attributes, start, argument);
 }
+// NOLINTEND(bugprone-reserved-identifier)

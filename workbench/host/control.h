@@ -13,7 +13,8 @@
 //   windows                     name class handle left top right bottom visible=0/1 of every named window
 //   top                         the thread's top-level windows in the order in which Windows enumerates them
 //   scroll WINDOW               vertical and horizontal: min max page pos; then the first line shown, and the wheel
-//                               notches received (own window classes), or the pixels the tool bar was moved
+//                               notches received and the words of the last wheel message (own window classes), or
+//                               the pixels the tool bar was moved
 //   calls FUNCTION              number of calls of a toolkit function so far
 //   access COMMAND              what its access callback answers: 3 available, 1 not
 //   messages                    latest texts of the message line, the oldest first

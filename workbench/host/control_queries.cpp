@@ -165,6 +165,8 @@ void scroll(const Request& request, Lines& lines) {
     lines.push_back("top " + std::to_string(firstLineShown(window)));
     if (const ScrollWindow* content = ScrollWindow::of(window)) {
         lines.push_back("wheel " + std::to_string(content->wheelNotches()));
+        lines.push_back("wheel_wparam " + std::to_string(static_cast<int>(content->wheelWParam())));
+        lines.push_back("wheel_lparam " + std::to_string(static_cast<int>(content->wheelLParam())));
     }
     if (request.word(0) == "toolbar") lines.push_back("offset " + std::to_string(toolbarOffset()));
 }

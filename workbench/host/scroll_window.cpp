@@ -54,6 +54,8 @@ LRESULT CALLBACK ScrollWindow::procedure(HWND window, UINT message, WPARAM wPara
             self->scrollByBar(SB_HORZ, LOWORD(wParam));
             return 0;
         case WM_MOUSEWHEEL:
+            self->mWheelWParam = wParam;
+            self->mWheelLParam = lParam;
             self->turnWheel(GET_WHEEL_DELTA_WPARAM(wParam));
             return 0;
         case WM_LBUTTONDOWN:

@@ -18,8 +18,10 @@ class ScrollWindow {
     static const ScrollWindow* of(HWND window);  // null when the window is none of these
 
     int topLine() const { return mTop; }
-    int leftOffset() const { return mLeft; }            // pixels
-    int wheelNotches() const { return mWheelNotches; }  // received so far, up positive
+    int leftOffset() const { return mLeft; }             // pixels
+    int wheelNotches() const { return mWheelNotches; }   // received so far, up positive
+    WPARAM wheelWParam() const { return mWheelWParam; }  // words of the last wheel message
+    LPARAM wheelLParam() const { return mWheelLParam; }
 
   private:
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -39,6 +41,8 @@ class ScrollWindow {
     int mTop = 0;
     int mLeft = 0;
     int mWheelNotches = 0;
+    WPARAM mWheelWParam = 0;
+    LPARAM mWheelLParam = 0;
 };
 
 }  // namespace workbench
