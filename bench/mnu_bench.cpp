@@ -46,7 +46,7 @@ void fill(Tables& tables, const Input& input) {
 
 void menusOurs(benchmark::State& state) {
     const Input data = input(state);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         MenuTables tables;
         fill(tables, data);
         benchmark::DoNotOptimize(tables.menus());
@@ -55,7 +55,7 @@ void menusOurs(benchmark::State& state) {
 
 void menusPlain(benchmark::State& state) {
     const Input data = input(state);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         PlainMenus tables;
         fill(tables, data);
         benchmark::DoNotOptimize(tables.menus);
@@ -65,7 +65,7 @@ void menusPlain(benchmark::State& state) {
 void wholeGeneration(benchmark::State& state) {
     const LargeSet set = largeSet(state);
     const std::string path = (std::filesystem::temp_directory_path() / "orbikon_mnu_bench.mnu").string();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         MNUParser parser;
         for (const Resource& pane : set.panes) parser.AddResource(pane.name, pane.text);
         for (const Resource& text : set.commands) parser.AddResource(text.name, text.text);

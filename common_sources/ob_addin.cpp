@@ -64,8 +64,7 @@ int user_initialize() {
 
 void user_terminate() {
     atEdge("user_terminate", [] {
-        delete gAddin;
-        gAddin = nullptr;
+        delete std::exchange(gAddin, nullptr);  // nobody deletes it twice, whatever comes in meanwhile
     });
 }
 
