@@ -108,7 +108,7 @@ class Device {
     std::mutex mMutex;  // guards everything below
     std::condition_variable mChanged;
     Sessions mSessions;
-    int mNextSession;  // begins differently in each daemon, so that a session of an earlier one is not mistaken
+    int mNextSession;  // begins differently in each daemon, so that an earlier one's number is not mistaken
     std::string mApplication;
     Axes mAxes{};
     Extras mExtras{};
