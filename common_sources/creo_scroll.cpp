@@ -8,6 +8,7 @@
 
 #include "common_sources/creo_proxy.h"
 #include "common_sources/ob_addin.h"
+#include "common_sources/wheel_message.h"
 
 namespace {
 
@@ -138,10 +139,7 @@ bool scrollBarWindow(HWND window, const Drive& drive) {
 void wheelWindow(HWND window, const Drive& drive, int x, int y) {
     if (drive.a != drive.h) {
         const int direction = drive.h < drive.a ? drive.vertical : drive.horizontal;
-        const int delta = direction < 0 ? WHEEL_DELTA : -WHEEL_DELTA;
-        const auto wParam = static_cast<WPARAM>(static_cast<DWORD>(delta) << 16);
-        const auto lParam = static_cast<LPARAM>(static_cast<DWORD>(y) << 16 | (static_cast<DWORD>(x) & 0xFFFF));
-        PostMessageA(window, WM_MOUSEWHEEL, wParam, lParam);
+        PostMessageA(window, WM_MOUSEWHEEL, wheelWParam(direction), static_cast<LPARAM>(wheelLParam(x, y)));
         UpdateWindow(window);
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE);
     }
