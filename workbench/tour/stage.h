@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "workbench/control/picture.h"
-#include "workbench/control/workbench.h"
 #include "workbench/control/pose.h"
+#include "workbench/control/workbench.h"
 #include "workbench/tour/page.h"
 
 namespace workbench {
