@@ -39,6 +39,9 @@ if [ ! -e "$WINEPREFIX/.ready" ]; then
     if [ ! -e "$WINEPREFIX/.ready" ]; then
         wineboot --init >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; exit 1; }
         wineserver -w 9>&-
+        # The symbols of the caption buttons; Debian's package lies where its Wine does not look.
+        [ ! -r /usr/share/wine/fonts/marlett.ttf ] ||
+            cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
         touch "$WINEPREFIX/.ready"
     fi
     exec 9>&-
