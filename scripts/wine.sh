@@ -28,21 +28,25 @@ fi
 # One virtual display for each Wine prefix; it stays up between programs until --stop.
 if [ -n "${ORBIKON_DISPLAY:-}" ]; then
     export DISPLAY=$ORBIKON_DISPLAY
+    managed=Y
 else
     . "$root/scripts/display.sh"
+    managed=N  # without a window manager Wine would wait seconds for its answers and leave title bars black
 fi
 
-# The prefix is made once; two tests that start at the same time must not both make it.
-if [ ! -e "$WINEPREFIX/.ready" ]; then
+# The prefix is made once for its kind of display; two tests that start at the same time must not both make it.
+is_ready() { [ "$(cat "$WINEPREFIX/.ready" 2>/dev/null)" = "$managed" ]; }
+if ! is_ready; then
     exec 9>"$WINEPREFIX.lock"
     flock 9
-    if [ ! -e "$WINEPREFIX/.ready" ]; then
-        wineboot --init >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; exit 1; }
+    if ! is_ready; then
+        { wineboot --init && wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d "$managed" /f; } \
+            >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; exit 1; }
         wineserver -w 9>&-
         # The symbols of the caption buttons; Debian's package lies where its Wine does not look.
         [ ! -r /usr/share/wine/fonts/marlett.ttf ] ||
             cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
-        touch "$WINEPREFIX/.ready"
+        echo "$managed" >"$WINEPREFIX/.ready"
     fi
     exec 9>&-
 fi

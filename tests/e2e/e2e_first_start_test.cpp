@@ -1,5 +1,7 @@
 // First start: the menu file is made from the host's compiled resources while the host goes on.
+#include <algorithm>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include "tests/e2e/e2e.h"
@@ -99,6 +101,22 @@ TEST(FirstStart, LanguageHasFourSources) {
     }
 }
 
+struct ProgressFrame {
+    std::string title;
+    bool isTopmost;
+};
+
+// The progress window while it is there.
+std::optional<ProgressFrame> progressFrame() {
+    const HWND window = FindWindowA(kProgressClass, nullptr);
+    char title[64] = "";
+    const int length = GetWindowTextA(window, title, sizeof title);
+    const LONG style = GetWindowLongA(window, GWL_EXSTYLE);
+    PostMessageA(window, WM_CLOSE, 0, 0);  // does not close it
+    if (length == 0 || !IsWindow(window)) return std::nullopt;
+    return ProgressFrame{title, (style & WS_EX_TOPMOST) != 0};
+}
+
 // A load point of its own with as many resources as a real installation has.
 class LargeInstallation : public ::testing::Test {
   protected:
@@ -140,46 +158,64 @@ class LargeInstallation : public ::testing::Test {
         return options;
     }
     static Environment german() { return {{"PRO_LANG", "german"}}; }
+
+    static constexpr int kMostStarts = 50;
+
+    // Loads the plug-in as at the first start of all; size of its log before that.
+    static std::size_t startAfresh(Bench& bench) {
+        bench.host("plugin unload");
+        std::filesystem::remove(bench.menuFile());
+        const std::size_t logSize = bench.log().size();
+        bench.host("plugin load");
+        return logSize;
+    }
 };
 
+// Generation takes a fraction of a second, so it may take some starts to be there in its middle.
 TEST_F(LargeInstallation, ShowsItsProgressAndDoesNotHoldTheHost) {
-    Workbench bench(options());
-    bench.startDaemon();
-    bench.startHost({"--require-plugin"}, german());
-    bench.host("blocked");
-    HWND window = nullptr;
-    ASSERT_TRUE(waitFor([&] { return (window = FindWindowA(kProgressClass, nullptr)) != nullptr; }));
-    char title[64] = "";
-    GetWindowTextA(window, title, sizeof title);
-    EXPECT_STREQ(title, "Orbikon");
-    EXPECT_NE(GetWindowLongA(window, GWL_EXSTYLE) & WS_EX_TOPMOST, 0);
-    PostMessageA(window, WM_CLOSE, 0, 0);
-    bench.daemon("axes 0 0 0 0 200 0");  // pushed and pressed meanwhile: nothing harmful
-    ASSERT_TRUE(waitFor([&] { return bench.askDaemon("event 0x20022").isOk; }));
-    ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }, 60000));
-    EXPECT_TRUE(waitFor([&] { return FindWindowA(kProgressClass, nullptr) == nullptr; }));
-    bench.daemon("axes 0 0 0 0 0 0");
-    EXPECT_TRUE(isWhole(bytesOf(bench.menuFile())));
-    EXPECT_TRUE(bench.isHostRunning());
-    std::printf("longest block of the host's message loop: %s ms\n", bench.host("blocked").at(0).c_str());
+    Bench bench(options(), german());
+    std::optional<ProgressFrame> seen;
+    int longestBlock = 0;
+    for (int start = 0; !seen; ++start) {
+        ASSERT_LT(start, kMostStarts) << "no progress window was seen";
+        startAfresh(bench);
+        bench.host("blocked");
+        ASSERT_TRUE(waitFor([&] { return (seen = progressFrame()) || std::filesystem::exists(bench.menuFile()); }));
+        bench.push(0, 0, 0, 0, 200, 0);  // pushed and pressed meanwhile: nothing harmful
+        ASSERT_TRUE(waitFor([&] { return bench.askDaemon("event 0x20022").isOk; }));
+        ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }, 60000));
+        EXPECT_TRUE(waitFor([&] { return FindWindowA(kProgressClass, nullptr) == nullptr; }));
+        bench.push(0, 0, 0, 0, 0, 0);
+        EXPECT_TRUE(isWhole(bytesOf(bench.menuFile())));
+        EXPECT_TRUE(bench.isHostRunning());
+        longestBlock = std::max(longestBlock, std::stoi(bench.host("blocked").at(0)));
+    }
+    EXPECT_EQ(seen->title, "Orbikon");
+    EXPECT_TRUE(seen->isTopmost);
+    std::printf("longest block of the host's message loop: %d ms\n", longestBlock);
 }
 
 TEST_F(LargeInstallation, EndsCleanlyInTheMiddle) {
-    for (int i = 0; i < 3; ++i) {
-        Workbench bench(options());
-        bench.startDaemon();
-        bench.startHost({"--require-plugin"}, german());
-        ASSERT_TRUE(waitFor([&] { return FindWindowA(kProgressClass, nullptr) != nullptr; }));
+    Bench bench(options(), german());
+    int cancelled = 0;
+    for (int start = 0; cancelled < 3; ++start) {
+        ASSERT_LT(start, kMostStarts) << "the middle was never met";
+        const std::size_t logSize = startAfresh(bench);
+        ASSERT_TRUE(waitFor([&] { return progressFrame() || std::filesystem::exists(bench.menuFile()); }));
         bench.host("plugin unload");
         EXPECT_EQ(FindWindowA(kProgressClass, nullptr), nullptr);
-        EXPECT_NE(bench.log().find("Menu file generation was cancelled"), std::string::npos);
+        if (bench.log().find("Menu file generation was cancelled", logSize) == std::string::npos) {
+            EXPECT_TRUE(isWhole(bytesOf(bench.menuFile()))) << "it had been faster";
+            continue;
+        }
+        ++cancelled;
         EXPECT_FALSE(std::filesystem::exists(bench.menuFile())) << "no half file is taken for a whole one later";
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(bench.settingsFolder()), {}), 1)
             << "only the settings are there";
-        bench.host("plugin load");
-        ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }, 60000));
-        EXPECT_TRUE(isWhole(bytesOf(bench.menuFile())));
     }
+    startAfresh(bench);
+    ASSERT_TRUE(waitFor([&] { return std::filesystem::exists(bench.menuFile()); }, 60000));
+    EXPECT_TRUE(isWhole(bytesOf(bench.menuFile())));
 }
 
 }  // namespace

@@ -68,7 +68,8 @@ struct DeviceSupport::Impl {
         if (!axes) return client.close();
         const bool isAtRest = std::all_of(axes->begin(), axes->end(), [](int value) { return value == 0; });
         if (isAtRest || isMotionPending.exchange(true)) return;
-        postToUi([this, motion = *axes] {
+        // Behind painting: a view that takes long to draw must not keep timers from their turn.
+        postToUiWhenIdle([this, motion = *axes] {
             isMotionPending = false;
             moveView(motion);
         });

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "workbench/host/macro_runner.h"
 #include "workbench/host/timer_procs.h"
@@ -16,6 +17,7 @@ namespace {
 constexpr UINT WM_RUN_TASKS = WM_APP + 1;
 constexpr UINT WM_HEARTBEAT = WM_APP + 2;
 constexpr DWORD HEARTBEAT_MS = 10;
+constexpr UINT_PTR IDLE_TIMER = 1;
 constexpr wchar_t CLASS_NAME[] = L"CreoHostMessages";
 
 DWORD threadId = 0;
@@ -24,7 +26,8 @@ KeyFilter keyFilter = [](const MSG&) { return false; };
 
 std::mutex taskLock;
 std::deque<std::function<void()>> tasks;
-bool isLoopOver = false;  // guarded by taskLock; nobody would run a task any more
+std::deque<std::function<void()>> idleTasks;  // of the user-interface thread
+bool isLoopOver = false;                      // guarded by taskLock; nobody would run a task any more
 
 std::atomic<bool> isHeartbeatPending{false};
 std::atomic<DWORD> heartbeatSent{0};
@@ -44,6 +47,12 @@ void runTasks() {
     }
 }
 
+// Timers come last in a message loop, and one after the other.
+void runIdleTasks() {
+    KillTimer(messageWindow, IDLE_TIMER);
+    for (const auto& task : std::exchange(idleTasks, {})) task();
+}
+
 void noteBlock(std::uint32_t blocked) {
     std::uint32_t known = longestBlock;
     while (blocked > known && !longestBlock.compare_exchange_weak(known, blocked)) {
@@ -52,6 +61,7 @@ void noteBlock(std::uint32_t blocked) {
 
 LRESULT CALLBACK messageProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_RUN_TASKS) runTasks();
+    if (message == WM_TIMER && wParam == IDLE_TIMER) runIdleTasks();
     if (message == WM_HEARTBEAT) {
         noteBlock(GetTickCount() - heartbeatSent);
         isHeartbeatPending = false;
@@ -119,6 +129,13 @@ void postToUi(std::function<void()> task) {
     PostMessageW(messageWindow, WM_RUN_TASKS, 0, 0);
 }
 
+void postToUiWhenIdle(std::function<void()> task) {
+    postToUi([task = std::move(task)]() mutable {
+        idleTasks.push_back(std::move(task));
+        SetTimer(messageWindow, IDLE_TIMER, USER_TIMER_MINIMUM, nullptr);
+    });
+}
+
 int runUiLoop() {
     std::thread heart(beat);
     MSG message{};
@@ -128,6 +145,7 @@ int runUiLoop() {
     const std::lock_guard guard(taskLock);
     isLoopOver = true;
     tasks.clear();
+    idleTasks.clear();
     return static_cast<int>(message.wParam);
 }
 

@@ -17,6 +17,10 @@ DWORD uiThreadId();
 // dropped.
 void postToUi(std::function<void()> task);
 
+// Runs a task once nothing else waits in the message loop, painting included, and in turn with everybody's timers:
+// for what comes again and again and must leave the others their time. Any thread; dropped like the others.
+void postToUiWhenIdle(std::function<void()> task);
+
 // Serves messages until quitUiLoop was called; answers the exit code. Typed characters that are not for an edit field
 // go to the mapkeys, and with misalignment on the plug-in's timer procedures are called on an offset stack.
 int runUiLoop();

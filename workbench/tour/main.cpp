@@ -12,7 +12,6 @@
 #include "workbench/tour/build_commit.h"
 #include "workbench/tour/options.h"
 #include "workbench/tour/scenes.h"
-#include "workbench/tour/window_frames.h"
 
 namespace {
 
@@ -59,7 +58,6 @@ int playTour(const TourOptions& options) {
     record.started = dateAndTime(std::time(nullptr));
     record.build = buildFacts();
     {
-        const WindowFrames frames;
         Stage stage(options.out, record);
         for (const Scene& scene : scenes()) {
             const bool isNamed = std::ranges::find(options.only, scene.name) != options.only.end();
