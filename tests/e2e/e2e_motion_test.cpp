@@ -191,6 +191,7 @@ TEST(Motion, ThousandsOfStepsKeepTheFrameOrthonormal) {
     bench.openAssemblyForMoving();
     bench.selectForMoving(std::to_string(kShaft));
     const auto steps = [&] { return std::stoi(bench.host("calls ProAsmcompPositionSet").at(0)); };
+    bench.host("resize 400 300");  // each step is drawn, and thousands are wanted
     bench.push(3, -2, 1, 300, -200, 350);
     ASSERT_TRUE(waitFor([&] { return steps() > 3000; }, 120000)) << steps() << " steps";
     bench.release();
