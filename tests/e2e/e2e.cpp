@@ -47,10 +47,11 @@ workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std
 Bench::Bench(const Keys& settings, const std::vector<std::string>& commands)
     : Bench(optionsWith(settingsText(settings), menuText(commands))) {}
 
-Bench::Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment)
+Bench::Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment,
+             const std::vector<std::string>& hostArguments)
     : Workbench(options) {
     startDaemon();
-    startHost({"--require-plugin"}, environment);
+    startHost(hostArguments, environment);
     if (!waitFor([&] { return daemonStatus("application") == "xtopCreo"; })) {
         throw std::runtime_error("the plug-in does not connect to the daemon");
     }

@@ -42,7 +42,8 @@ class Bench : public Workbench {
   public:
     explicit Bench(const Keys& settings = {}, const std::vector<std::string>& commands = {});
 
-    explicit Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment = {});
+    explicit Bench(const workbench::WorkbenchOptions& options, const workbench::Environment& environment = {},
+                   const std::vector<std::string>& hostArguments = {"--require-plugin"});
 
     Poses positions();
     Pose view();                                 // rows as answered: with scale and shift

@@ -62,6 +62,9 @@ void Frame::create() {
     updateTitle();
     if (!host().messages().empty()) showMessage(host().messages().back());
     host().view().refit(host().model().bounds());
+}
+
+void Frame::show() {
     bringInFront(mWindow);
     SetFocus(mGraphics);
 }
@@ -79,6 +82,7 @@ void Frame::rebuild() {
     DestroyWindow(mAccessory);
     DestroyWindow(mWindow);
     create();
+    show();
 }
 
 void Frame::listen() {

@@ -16,9 +16,10 @@ struct NamedWindow {
 
 class Frame {
   public:
-    // Throws std::runtime_error when a window cannot be made.
+    // Makes the windows, hidden. Throws std::runtime_error when a window cannot be made.
     void create();
-    // Destroys all windows and makes them anew, as when a user closes and reopens the document.
+    void show();  // in front of all others
+    // Destroys all windows, makes them anew and shows them, as when a user closes and reopens the document.
     void rebuild();
 
     void rebuildMenu();

@@ -113,6 +113,7 @@ int run(const Options& options) {
     addBuiltinCommands();
     addProgramCommands(options.isInteractive);
     frame().create();
+    if (!options.isHidden) frame().show();
     if (options.parent != 0) followParent(options.parent);
     std::optional<LineServer> control(std::in_place, pipeName("creo_control"), answerControlFromAnyThread);
     std::optional<DeviceSupport> device(std::in_place);

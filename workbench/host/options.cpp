@@ -14,6 +14,7 @@ constexpr Flag FLAGS[] = {
     {"--no-plugin", &Options::loadsPlugin, false},
     {"--require-plugin", &Options::requiresPlugin, true},
     {"--interactive", &Options::isInteractive, true},
+    {"--hidden", &Options::isHidden, true},
     {"--misalign", &Options::misaligns, true},
 };
 

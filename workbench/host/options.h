@@ -10,6 +10,7 @@ struct Options {
     bool loadsPlugin = true;      // --no-plugin
     bool requiresPlugin = false;  // --require-plugin: exit code when none could be started
     bool isInteractive = false;   // --interactive: keys push the cap
+    bool isHidden = false;        // --hidden: the windows are made but not shown
     bool misaligns = false;       // --misalign: as control's "misalign on", from the start
     unsigned long parent = 0;     // --parent PID: end with that process
     std::string error;            // "" when the command line is understood
@@ -18,6 +19,6 @@ struct Options {
 Options parseOptions(const std::vector<std::string>& arguments);
 
 inline constexpr const char* USAGE =
-    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--misalign] [--parent PID]";
+    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--hidden] [--misalign] [--parent PID]";
 
 }  // namespace workbench
