@@ -218,7 +218,7 @@ bool CreoProxy::doTransform() {
         decideLegacyChannel();
         std::uint32_t elapsed = 0;
         int cnt = 0;
-        while (elapsed < maxTime) {
+        while (elapsed < maxTime && !mIsEnding) {
             using std::chrono::milliseconds;
             elapsed =
                 static_cast<std::uint32_t>(std::chrono::duration_cast<milliseconds>(Clock::now() - start).count());

@@ -32,8 +32,8 @@ void logFailure(const char* function, ProError err) {
 
 int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
     return atEdge("moveToggleAction", 0, [value] {
-        CreoProxy* proxy = CreoProxy::live();
-        if (proxy == nullptr) return 0;
+        const CreoProxy::Visit proxy;
+        if (!proxy) return 0;
         const bool isOn = proxy->toggleComponentMove();
         ProCmdChkbuttonValueSet(value, isOn);
         return isOn ? 1 : 0;
@@ -42,8 +42,8 @@ int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 
 int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
     return atEdge("scrollToggleAction", 0, [value] {
-        CreoProxy* proxy = CreoProxy::live();
-        if (proxy == nullptr) return 0;
+        const CreoProxy::Visit proxy;
+        if (!proxy) return 0;
         const bool isOn = proxy->toggleScrolling();
         ProCmdChkbuttonValueSet(value, isOn);
         return isOn ? 0 : 1;  // the inverse of the move toggle's answer, as it always was
@@ -52,22 +52,22 @@ int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 
 int moveToggleValue(uiCmdCmdId, uiCmdValue* value) {
     return atEdge("moveToggleValue", -1, [value] {
-        if (CreoProxy* proxy = CreoProxy::live()) ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
+        if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
         return -1;
     });
 }
 
 int scrollToggleValue(uiCmdCmdId, uiCmdValue* value) {
     return atEdge("scrollToggleValue", -1, [value] {
-        if (CreoProxy* proxy = CreoProxy::live()) ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
+        if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
         return -1;
     });
 }
 
 int moveToggleAccess(int) {
     return atEdge("moveToggleAccess", ACCESS_UNAVAILABLE, [] {
-        CreoProxy* proxy = CreoProxy::live();
-        if (proxy == nullptr) return ACCESS_UNAVAILABLE;
+        const CreoProxy::Visit proxy;
+        if (!proxy) return ACCESS_UNAVAILABLE;
         proxy->checkWindows();
         return proxy->checkMode(true) == CreoProxy::kAssemblyMode ? ACCESS_AVAILABLE : ACCESS_UNAVAILABLE;
     });
@@ -75,7 +75,7 @@ int moveToggleAccess(int) {
 
 int scrollToggleAccess(int) {
     return atEdge("scrollToggleAccess", ACCESS_AVAILABLE, [] {
-        if (CreoProxy* proxy = CreoProxy::live()) {
+        if (const CreoProxy::Visit proxy; proxy) {
             proxy->checkWindows();
             proxy->checkMode(true);
         }
@@ -85,7 +85,7 @@ int scrollToggleAccess(int) {
 
 int onWindowChange() {
     return atEdge("onWindowChange", 0, [] {
-        if (CreoProxy* proxy = CreoProxy::live()) {
+        if (const CreoProxy::Visit proxy; proxy) {
             proxy->checkWindows();
             proxy->checkMode(false);
         }
@@ -95,7 +95,7 @@ int onWindowChange() {
 
 int onModelChange() {
     return atEdge("onModelChange", 0, [] {
-        if (CreoProxy* proxy = CreoProxy::live()) proxy->checkMode(false);
+        if (const CreoProxy::Visit proxy; proxy) proxy->checkMode(false);
         return 0;
     });
 }
@@ -116,7 +116,19 @@ constexpr std::array<Notification, 5> kNotifications{{
 
 }  // namespace
 
-CreoProxy* CreoProxy::live() { return isInstanceAlive ? instance : nullptr; }
+CreoProxy::Visit::Visit() : mProxy(isInstanceAlive ? instance : nullptr) {
+    if (mProxy != nullptr) ++mProxy->mVisits;
+}
+
+CreoProxy::Visit::~Visit() {
+    if (mProxy != nullptr && --mProxy->mVisits == 0 && mProxy->mIsEndPutOff) user_terminate();
+}
+
+bool CreoProxy::putOffEnd() {
+    if (!isInstanceAlive || instance->mVisits == 0) return false;
+    instance->stopRearming();
+    return instance->mIsEndPutOff = true;
+}
 
 CreoProxy::CreoProxy(CObAddin* owner) : mOwner(owner) {
     OB_LOG(LogLevel::CRT) << "Constructing ...";

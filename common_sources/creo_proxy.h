@@ -42,8 +42,23 @@ class CreoProxy {
     CreoProxy(const CreoProxy&) = delete;
     CreoProxy& operator=(const CreoProxy&) = delete;
 
-    // The one object, for callbacks that carry no user data; null while there is none that may be used.
-    static CreoProxy* live();
+    // The one object for the time of a callback that carries no user data; empty while there is none that may be
+    // used. An end that comes meanwhile (a toolkit call may dispatch messages) is put off until the last one is over.
+    class Visit {
+      public:
+        Visit();
+        ~Visit();
+        Visit(const Visit&) = delete;
+        Visit& operator=(const Visit&) = delete;
+
+        explicit operator bool() const { return mProxy != nullptr; }
+        CreoProxy* operator->() const { return mProxy; }
+
+      private:
+        CreoProxy* mProxy;
+    };
+    // For user_terminate: false when no visit is going on and the end may come at once.
+    static bool putOffEnd();
 
     // --- Mode ---
     // Asks Creo for its mode, stores and answers it. `fromAccessCheck`: the check comes from a command's access
@@ -131,6 +146,8 @@ class CreoProxy {
     Names mMenuFunctions;                                     // command strings by function index
     std::atomic<bool> mIsEnding{false};  // the timer is re-armed until then; cancels the generating thread
     bool mIsInTick = false;
+    int mVisits = 0;  // going on now, one inside the other
+    bool mIsEndPutOff = false;
     bool mIsComponentMoveOn = false;
     bool mIsMapkeyUsed = false;
     std::atomic<std::int32_t> mMode{kUnknownMode};

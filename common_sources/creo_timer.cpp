@@ -21,21 +21,21 @@ bool isValid(HWND window) { return reinterpret_cast<INT_PTR>(window) > 0; }
 
 void CALLBACK TimerProc(HWND, UINT, UINT_PTR, DWORD) {
     atEdge("TimerProc", [] {
-        if (CreoProxy* proxy = CreoProxy::live()) proxy->onTimer();
+        if (const CreoProxy::Visit proxy; proxy) proxy->onTimer();
     });
 }
 
 BOOL CALLBACK MyEnumThreadWndProc(HWND window, LPARAM) {
     return atEdge("MyEnumThreadWndProc", FALSE, [window]() -> BOOL {
-        CreoProxy* proxy = CreoProxy::live();
-        return proxy != nullptr && proxy->onThreadWindow(window);
+        const CreoProxy::Visit proxy;
+        return proxy && proxy->onThreadWindow(window);
     });
 }
 
 BOOL CALLBACK findGraphicsWindow(HWND child, LPARAM) {
     return atEdge("findGraphicsWindow", FALSE, [child]() -> BOOL {
-        CreoProxy* proxy = CreoProxy::live();
-        return proxy != nullptr && proxy->onChildWindow(child);
+        const CreoProxy::Visit proxy;
+        return proxy && proxy->onChildWindow(child);
     });
 }
 

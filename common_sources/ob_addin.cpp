@@ -64,6 +64,7 @@ int user_initialize() {
 
 void user_terminate() {
     atEdge("user_terminate", [] {
+        if (CreoProxy::putOffEnd()) return;  // comes again when the callback that is running needs nothing any more
         delete std::exchange(gAddin, nullptr);  // nobody deletes it twice, whatever comes in meanwhile
     });
 }

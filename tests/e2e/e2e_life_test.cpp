@@ -55,6 +55,25 @@ TEST(Start, CallbacksAfterTheEndAreHarmless) {
     EXPECT_EQ(bench.status("plugin"), "initialised");
 }
 
+// A toolkit call may dispatch messages, and with them the end of the plug-in in the middle of a tick.
+TEST(Start, EndInsideATickWaitsForIt) {
+    Bench bench;
+    for (const char* function : {"ProWindowRefresh", "ProModeCurrentGet", "ProVectorTrfEval"}) {
+        SCOPED_TRACE(function);
+        bench.openAssemblyForMoving();
+        bench.selectForMoving("41");
+        bench.host("during " + std::string(function) + " plugin unload");
+        bench.push(100, 0, 0, 0, 0, 0);
+        EXPECT_TRUE(waitFor([&] { return bench.status("plugin") == "registered"; }));
+        EXPECT_EQ(bench.daemonStatus("clients"), "0");
+        EXPECT_EQ(bench.daemonStatus("legacy"), "1");
+        EXPECT_EQ(bench.status("outstanding_arrays"), "0");
+        bench.push(0, 0, 0, 0, 0, 0);
+        bench.host("plugin load");
+        EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("application") == "xtopCreo"; }));
+    }
+}
+
 TEST(Start, FirstStartWritesSettingsAndToleratesBadOnes) {
     Workbench fresh(optionsWith({}, menuText()));
     fresh.startHost({"--require-plugin"});

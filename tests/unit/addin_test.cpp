@@ -44,6 +44,25 @@ TEST_F(AddIn, LifeFromStartToEnd) {
     EXPECT_EQ(driver().calls(Operation::setDllLogFlags), 1);
 }
 
+// A toolkit call may dispatch messages, and with them the end: the callback that made the call comes to its own first.
+TEST_F(AddIn, EndInsideACallbackWaitsForIt) {
+    writeSettings(kProgram);
+    user_initialize();
+    CObAddin* const running = gAddin;
+    toolkit().onCall("ProModeCurrentGet", [&] {
+        user_terminate();
+        EXPECT_EQ(gAddin, running);
+    });
+    toolkit().notifications.at(72)();
+    EXPECT_EQ(gAddin, nullptr);
+    EXPECT_FALSE(driver().isConnected());
+    toolkit().onCall("ProModeCurrentGet", {});
+    EXPECT_EQ(user_initialize(), 0);
+    EXPECT_TRUE(driver().isConnected());
+    user_terminate();
+    EXPECT_EQ(gAddin, nullptr);
+}
+
 TEST_F(AddIn, WatchdogConnectsAsSoonAsTheDaemonIsThere) {
     driver().setDaemonPresent(false);
     driver().fail(Operation::setDllLogFlags);

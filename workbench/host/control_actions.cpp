@@ -154,10 +154,24 @@ void front(const Request& request, Lines&) {
     require(GetForegroundWindow() == top, "the window cannot be brought in front");
 }
 
+const std::string& toolkitFunction(const Request& request) {
+    require(ToolkitCalls::isKnown(request.word(0)), "there is no toolkit function " + request.word(0));
+    return request.word(0);
+}
+
 void fail(const Request& request, Lines&) {
     constexpr int ALWAYS = -1;
-    require(ToolkitCalls::isKnown(request.word(0)), "there is no toolkit function " + request.word(0));
-    toolkitCalls().fail(request.word(0), request.number(1), request.words.size() > 2 ? request.number(2) : ALWAYS);
+    toolkitCalls().fail(toolkitFunction(request), request.number(1),
+                        request.words.size() > 2 ? request.number(2) : ALWAYS);
+}
+
+void during(const Request& request, Lines&) {
+    const std::string& function = toolkitFunction(request);
+    const std::string line = request.text.substr(request.text.find(request.word(1), function.size()));
+    toolkitCalls().during(function, [line] {
+        const Reply reply = answerControl(line);
+        if (!reply.isOk) host().error(reply.error);
+    });
 }
 
 void keys(const Request& request, Lines&) {
@@ -219,6 +233,7 @@ std::vector<ControlCommand> actionCommands() {
              host().rebuildAssembly(count);
          }},
         {"fail", fail},
+        {"during", during},
         {"notify",
          [](const Request& request, Lines&) {
              require(notifications().fire(request.number(0)), "nothing is registered for that type");

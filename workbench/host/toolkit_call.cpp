@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <utility>
 
 #include "workbench/host/ui_loop.h"
 
@@ -26,6 +27,7 @@ std::optional<ProError> ToolkitCalls::enter(const char* function) {
         return PRO_TK_GENERAL_ERROR;
     }
     ++mCalls[function];
+    if (const auto action = mActions.extract(function)) action.mapped()();
     const auto found = mFailures.find(function);
     if (found == mFailures.end() || found->second.count == 0) return std::nullopt;
     if (found->second.count > 0) --found->second.count;
@@ -33,6 +35,10 @@ std::optional<ProError> ToolkitCalls::enter(const char* function) {
 }
 
 void ToolkitCalls::fail(const std::string& function, ProError code, int count) { mFailures[function] = {code, count}; }
+
+void ToolkitCalls::during(const std::string& function, std::function<void()> action) {
+    mActions[function] = std::move(action);
+}
 
 bool ToolkitCalls::isKnown(const std::string& function) {
     return GetProcAddress(GetModuleHandleW(nullptr), function.c_str()) != nullptr;

@@ -2,6 +2,7 @@
 // other than the user-interface thread is refused.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -18,6 +19,9 @@ class ToolkitCalls {
     // The next `count` calls of the function answer the code; a negative count means all of them, 0 none.
     void fail(const std::string& function, ProError code, int count);
 
+    // Runs the action inside the next call of the function, as when the toolkit dispatches messages there.
+    void during(const std::string& function, std::function<void()> action);
+
     // Whether the host exports a function of that name.
     static bool isKnown(const std::string& function);
 
@@ -31,6 +35,7 @@ class ToolkitCalls {
     };
     std::map<std::string, int> mCalls;
     std::map<std::string, Failure> mFailures;
+    std::map<std::string, std::function<void()>> mActions;
 };
 
 ToolkitCalls& toolkitCalls();
