@@ -64,7 +64,7 @@ int user_initialize() {
 
 void user_terminate() {
     atEdge("user_terminate", [] {
-        if (CreoProxy::putOffEnd()) return;  // comes again when the callback that is running needs nothing any more
+        if (CreoProxy::putOffEnd()) return;     // comes again at the end of the running callback
         delete std::exchange(gAddin, nullptr);  // nobody deletes it twice, whatever comes in meanwhile
     });
 }

@@ -44,7 +44,7 @@
 //   rebuild                     destroys all windows and makes them anew
 //   components N                replaces the assembly by N small components
 //   fail FUNCTION CODE [COUNT]  the next COUNT calls (default: all) answer the code without doing anything; 0 ends it
-//   during FUNCTION REQUEST     does the request inside the function's next call, as when the toolkit dispatches messages
+//   during FUNCTION REQUEST     does the request inside the function's next call, as a toolkit that dispatches does
 //   notify TYPE                 fires a notification's handler
 //   misalign on | off           calls the plug-in on stacks 4, 8, 12 past a 16-byte boundary in turn
 //   plugin terminate | initialize | unload | load | reload N

@@ -11,10 +11,8 @@ struct Flag {
     bool value;
 };
 constexpr Flag FLAGS[] = {
-    {"--no-plugin", &Options::loadsPlugin, false},
-    {"--require-plugin", &Options::requiresPlugin, true},
-    {"--interactive", &Options::isInteractive, true},
-    {"--hidden", &Options::isHidden, true},
+    {"--no-plugin", &Options::loadsPlugin, false},    {"--require-plugin", &Options::requiresPlugin, true},
+    {"--interactive", &Options::isInteractive, true}, {"--hidden", &Options::isHidden, true},
     {"--misalign", &Options::misaligns, true},
 };
 
