@@ -13,6 +13,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${ORBIKON_WINEPREFIX:-$root/build/wine}
 # winemenubuilder would put menu entries and file types into the user's home.
 export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=' WINEDEBUG=${WINEDEBUG:--all}
+# Whatever the user's locale is: file names of any kind, and English as the language of the system.
+export LANG=C.UTF-8 LC_ALL=C.UTF-8
 mkdir -p "$(dirname "$WINEPREFIX")"
 
 if [ "${1:-}" = --stop ]; then
