@@ -1,6 +1,7 @@
 #include "tests/e2e/e2e.h"
 
 #include <cmath>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
@@ -42,6 +43,12 @@ workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std
     options.settings = std::move(settings);
     options.menuFile = std::move(menuFile);
     return options;
+}
+
+std::string bytesOf(const std::filesystem::path& file) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
 }
 
 Bench::Bench(const Keys& settings, const std::vector<std::string>& commands)

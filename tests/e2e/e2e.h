@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
@@ -36,6 +37,9 @@ std::string menuText(const std::vector<std::string>& commands = {});
 
 // The settings file and menu file that the plug-in meets; none = it meets no such file.
 workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile);
+
+// What is in a file, to the byte; nothing when it cannot be opened.
+std::string bytesOf(const std::filesystem::path& file);
 
 // A workbench whose daemon and host run, the plug-in loaded.
 class Bench : public Workbench {

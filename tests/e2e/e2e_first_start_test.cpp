@@ -15,12 +15,6 @@ using workbench::Environment;
 
 constexpr char kProgressClass[] = "MNUDlgClass";
 
-std::string bytesOf(const std::filesystem::path& file) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(file, std::ios::binary).rdbuf();
-    return bytes.str();
-}
-
 // The menu file as soon as it is there; the renaming that puts it there may keep it from being opened a moment longer.
 std::string newMenuFile(const Bench& bench) {
     std::ifstream file;

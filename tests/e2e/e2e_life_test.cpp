@@ -1,7 +1,4 @@
 // Start and end of the plug-in in a running host, and what it is told and tells meanwhile.
-#include <fstream>
-#include <sstream>
-
 #include "tests/e2e/e2e.h"
 
 namespace e2e {
@@ -10,12 +7,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-std::string bytesOf(const std::filesystem::path& file) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(file, std::ios::binary).rdbuf();
-    return bytes.str();
-}
 
 std::vector<std::string> menuOf(Bench& bench) { return bench.host("menu"); }
 
