@@ -9,9 +9,9 @@
 #include <filesystem>
 #include <string>
 
-#include "common_sources/mnuParser.h"
-#include "common_sources/mnu_menus.h"
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_menus.h"
+#include "common_sources/mnu/mnu_parser.h"
+#include "common_sources/mnu/mnu_text.h"
 #include "tests/mnu/large_set.h"
 #include "tests/mnu/plain_menus.h"
 

@@ -10,7 +10,7 @@ target_include_directories(orbikon_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(orbikon_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Wold-style-cast
   -Woverloaded-virtual -Wcast-align -Wformat=2 -Werror)
-foreach(folder OB_Daemon/src config driver toolkit common_sources)
+foreach(folder OB_Daemon/src config driver toolkit common_sources common_sources/mnu)
   target_compile_options(orbikon_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/${folder}/=)
 endforeach()
 

@@ -5,6 +5,7 @@
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/command_text.h"
 #include "common_sources/creo_proxy.h"
+#include "common_sources/hand_over.h"
 #include "common_sources/rotation.h"
 #include "toolkit/pro_toolkit.h"
 
@@ -98,5 +99,5 @@ void CreoProxy::execSpecialApplFunction(std::int32_t code) {
     } else {
         OB_LOG(LogLevel::ERR) << "Unknown special command '" << code << "' found!";
     }
-    if (mContextFlag != 0) refitView();
+    if (mHandOver.contextFlag != 0) refitView();
 }

@@ -1,16 +1,19 @@
 // First start: has the menu file generated from Creo's compiled resource libraries. Reading libraries and writing a
 // file need no toolkit, so this runs on a thread of its own and Creo's message loop goes on; the timer looks whether
 // it has ended.
+#include <pthread.h>
 #include <windows.h>
 
+#include <atomic>
 #include <cctype>
 #include <cstdlib>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/edge.h"
-#include "common_sources/mnuParser.h"
-#include "common_sources/ob_addin.h"
+#include "common_sources/hand_over.h"
+#include "common_sources/mnu/mnu_parser.h"
+#include "common_sources/settings.h"
 
 namespace {
 
@@ -68,7 +71,7 @@ bool CreoProxy::getLoadpointAndLanguage(std::string& loadpoint, std::string& lan
     language = systemLanguage();
     replaceIfSet(language, "LANG");
     replaceIfSet(language, "PRO_LANG");
-    if (!mOwner->settings.mMNULanguage.empty()) language = mOwner->settings.mMNULanguage;
+    if (!mSettings.mMNULanguage.empty()) language = mSettings.mMNULanguage;
     for (char& c : language) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return !loadpoint.empty() && !language.empty();
 }
@@ -87,12 +90,12 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
         return Generation::failed;
     }
     mGeneration = std::make_shared<GenerationJob>();
-    mGeneration->progress = &mMenuFileProgress;
-    mGeneration->isCancelled = &mIsEnding;
+    mGeneration->progress = &mHandOver.menuFileProgress;
+    mGeneration->isCancelled = &mHandOver.isEnding;
     mGeneration->menuFile = path;
     mGeneration->resourceFolder = loadpoint + kResourceFolder;
     mGeneration->language = language;
-    mMenuFileProgress = 0.0;
+    mHandOver.menuFileProgress = 0.0;
     if (pthread_create(&mGeneration->thread, nullptr, &generationEntry, mGeneration.get()) != 0) {
         OB_LOG(LogLevel::ERR) << "Error creating generating thread!";
         mGeneration.reset();
@@ -103,7 +106,7 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
 
 void* CreoProxy::generationEntry(void* generation) {
     auto* job = static_cast<GenerationJob*>(generation);
-    job->hasSucceeded = atEdge("generationEntry", false, [job] {
+    job->hasSucceeded = atEdge({kLogClass, "generationEntry"}, false, [job] {
         MNUParser parser;
         return parser.CreateMNU(job->progress, job->menuFile, job->resourceFolder, job->language, job->isCancelled);
     });

@@ -8,7 +8,7 @@
 #include "common_sources/command_text.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/edge.h"
-#include "common_sources/ob_addin.h"
+#include "common_sources/settings.h"
 #include "toolkit/pro_toolkit.h"
 
 namespace {
@@ -56,7 +56,7 @@ bool writeTrailFile(const std::string& path, const std::string& macro) {
 
 void CreoProxy::defineMapkey() {
     mIsMapkeyUsed = true;
-    mMapkeySequence = mapkeySequence(mOwner->settings.mMapkeyDefinition);
+    mMapkeySequence = mapkeySequence(mSettings.mMapkeyDefinition);
     mTrailFilePath = withDoubledBackslashes(tempFolder() + kTrailFile);
     wchar_t option[] = L"mapkey";
     std::wstring value = toWide(mapkeyValue(mMapkeySequence, mTrailFilePath));
@@ -71,7 +71,7 @@ void CreoProxy::defineMapkey() {
 
 void CreoProxy::executeCommandByMapkey(const std::string& macro) {
     static constexpr char kMethod[] = "executeCommandByMapkey";
-    atEdge(kMethod, [&] {
+    atEdge({kLogClass, kMethod}, [&] {
         if (!isCreoInFront()) {
             OB_LOG_IN(LogLevel::TRC, kMethod) << "executeCommandByMapkey, but Creo is not activ window...";
             return;

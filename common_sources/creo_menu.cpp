@@ -3,8 +3,9 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
-#include "common_sources/menu_file.h"
-#include "common_sources/ob_addin.h"
+#include "common_sources/hand_over.h"
+#include "common_sources/mnu/mnu_reader.h"
+#include "common_sources/settings.h"
 #include "config/cnfg.h"
 
 namespace {
@@ -23,11 +24,11 @@ void CreoProxy::loadMenufile() {
         std::atomic<double>& progress;
         bool isAtEnd = true;
         ~ProgressGuard() {
-            if (isAtEnd) progress = kProgressDone;
+            if (isAtEnd) progress = HandOver::kProgressDone;
         }
-    } guard{mMenuFileProgress};
+    } guard{mHandOver.menuFileProgress};
 
-    const std::string path = mOwner->settings.settingsDirPath() + kPathSeparator + kMenuFile;
+    const std::string path = mSettings.settingsDirPath() + kPathSeparator + kMenuFile;
     if (mGeneration != nullptr || !canBeRead(path)) {
         const Generation generation = createMNUFile(path);
         guard.isAtEnd = generation != Generation::running;
@@ -47,6 +48,6 @@ void CreoProxy::readMenuFile(const std::string& path) {
     auto modeNames = std::make_unique<const Names>(std::move(content.modeNames));
     mMenuFunctions = std::move(content.commands);
     mAllModeNames.push_back(std::move(modeNames));
-    mModeNames.store(mAllModeNames.back().get(), std::memory_order_release);
+    mHandOver.modeNames.store(mAllModeNames.back().get(), std::memory_order_release);
     OB_LOG(LogLevel::TRC) << "Menu file '" << path << "' with " << mMenuFunctions.size() << " entries loaded.";
 }

@@ -1,23 +1,22 @@
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
+#include "common_sources/hand_over.h"
 #include "toolkit/pro_toolkit.h"
 
 namespace {
 
 constexpr char kLogClass[] = "CreoProxy";
 
-constexpr std::string_view kDefaultModeName = "Default";
-
 }  // namespace
 
 std::int32_t CreoProxy::checkMode(bool fromAccessCheck) {
-    const std::int32_t oldMode = mMode;
+    const std::int32_t oldMode = mHandOver.mode;
     ProMode mode = PRO_MODE_UNUSED;
     const ProError err = ProModeCurrentGet(&mode);
     OB_LOG(LogLevel::TMP) << "err: " << err;
     if (err != PRO_TK_NO_ERROR) {
         OB_LOG(LogLevel::WRN) << "Error in ProModeCurrentGet()! err=" << err;
-        mode = kUnknownMode;
+        mode = HandOver::kUnknownMode;
     }
 
     ProBoolean active = PRO_B_FALSE;
@@ -34,14 +33,11 @@ std::int32_t CreoProxy::checkMode(bool fromAccessCheck) {
     }
 
     // The reading thread looks at the mode at any time, so only the outcome is stored.
-    mMode = mode;
+    mHandOver.mode = mode;
     OB_LOG(LogLevel::TMP) << "New ProMode: " << mode;
     return mode;
 }
 
-std::string_view CreoProxy::modeName() const {
-    const Names* names = mModeNames.load(std::memory_order_acquire);
-    const std::int32_t mode = mMode.load(std::memory_order_relaxed);
-    if (names == nullptr || mode < 0 || static_cast<std::size_t>(mode) >= names->size()) return kDefaultModeName;
-    return (*names)[static_cast<std::size_t>(mode)];
-}
+std::int32_t CreoProxy::mode() const { return mHandOver.mode; }
+
+std::string_view CreoProxy::modeName() const { return mHandOver.modeName(); }

@@ -6,10 +6,11 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
-#include "common_sources/daemon_proxy.h"
 #include "common_sources/edge.h"
-#include "common_sources/ob_addin.h"
+#include "common_sources/hand_over.h"
+#include "common_sources/legacy_com1.h"
 #include "common_sources/rotation.h"
+#include "common_sources/settings.h"
 #include "toolkit/pro_toolkit.h"
 
 namespace {
@@ -66,7 +67,9 @@ struct SlotConsumer {
 struct Axes {
     std::int16_t tx, ty, tz, rx, ry, rz;
 
-    static Axes read(const MotionSlots& slots) { return {slots.tx, slots.ty, slots.tz, slots.rx, slots.ry, slots.rz}; }
+    static Axes read(const HandOver::Motion& slots) {
+        return {slots.tx, slots.ty, slots.tz, slots.rx, slots.ry, slots.rz};
+    }
 
     bool areWithin(std::int32_t threshold) const {
         for (const int value : {tx, ty, tz, rx, ry, rz}) {
@@ -210,15 +213,15 @@ bool CreoProxy::isCapMoving() { return capMoving; }
 
 bool CreoProxy::doTransform() {
     static constexpr char kMethod[] = "doTransform";
-    atEdge(kMethod, [this] {
+    atEdge({kLogClass, kMethod}, [this] {
         using Clock = std::chrono::steady_clock;
         const auto start = Clock::now();
         OB_LOG_IN(LogLevel::INF, kMethod) << "Do Transformation";
-        const auto maxTime = static_cast<std::uint32_t>(mOwner->settings.mMaxContMoveTime);
+        const auto maxTime = static_cast<std::uint32_t>(mSettings.mMaxContMoveTime);
         decideLegacyChannel();
         std::uint32_t elapsed = 0;
         int cnt = 0;
-        while (elapsed < maxTime && !mIsEnding) {
+        while (elapsed < maxTime && !mHandOver.isEnding) {
             using std::chrono::milliseconds;
             elapsed =
                 static_cast<std::uint32_t>(std::chrono::duration_cast<milliseconds>(Clock::now() - start).count());
@@ -234,7 +237,7 @@ bool CreoProxy::doTransform() {
 // Leaves the motion to Creo's own device support unless the plug-in is going to use it.
 void CreoProxy::decideLegacyChannel() {
     bool hasSelection = false;
-    if (mMode == kAssemblyMode && mIsComponentMoveOn) {
+    if (mHandOver.mode == kAssemblyMode && mIsComponentMoveOn) {
         ProMdl model = nullptr;
         ProMdlCurrentGet(&model);
         hasSelection = !Selections().isNull();
@@ -242,22 +245,21 @@ void CreoProxy::decideLegacyChannel() {
     int x = 0, y = 0;
     WindowHandle window = nullptr;
     const bool isScrolling = classifyPointerWindow(x, y, window) != ScrollKind::none;
-    DaemonProxy* daemon = mOwner->mDaemonProxyP;
-    if (daemon == nullptr) return;
+    if (mHandOver.isEnding) return;  // whoever ends the plug-in gives the channel back for good
     if (isScrolling || hasSelection) {
-        daemon->stopLegacyCom1();
+        mLegacyCom1.stopLegacyCom1();
     } else {
-        daemon->resetLegacyCom1();
+        mLegacyCom1.resetLegacyCom1();
     }
 }
 
 void CreoProxy::runPendingCommands() {
-    if (const std::int32_t index = mOwner->applFunction; index >= 0) {
-        const SlotConsumer consumer{mOwner->applFunction, CObAddin::kNoFunction};
+    if (const std::int32_t index = mHandOver.applFunction; index >= 0) {
+        const SlotConsumer consumer{mHandOver.applFunction, HandOver::kNoFunction};
         execApplFunction(static_cast<std::uint32_t>(index));
     }
-    if (const std::int32_t code = mOwner->specialEvent; code > 0) {
-        const SlotConsumer consumer{mOwner->specialEvent, CObAddin::kNoEvent};
+    if (const std::int32_t code = mHandOver.specialEvent; code > 0) {
+        const SlotConsumer consumer{mHandOver.specialEvent, HandOver::kNoEvent};
         OB_LOG(LogLevel::INF) << "keyEvent: " << code;
         execSpecialApplFunction(code);
     }
@@ -265,18 +267,18 @@ void CreoProxy::runPendingCommands() {
 
 // One pass over the latest motion. True when components were moved and the next pass may follow at once.
 bool CreoProxy::transformOnce() {
-    const Axes axes = Axes::read(mOwner->motion);
-    const bool isMoving = !axes.areWithin(mOwner->settings.mMinThreshold);
+    const Axes axes = Axes::read(mHandOver.motion);
+    const bool isMoving = !axes.areWithin(mSettings.mMinThreshold);
     if (isMoving != capMoving) {
         capMoving = isMoving;
         OB_LOG(LogLevel::TRC) << (isMoving ? "Cap moving." : "Cap released.");
     }
     if (!isMoving) return false;
     if (scrollTreeAndList(axes.tx, axes.ty, axes.tz)) return false;
-    if (mMode != kAssemblyMode || !mIsComponentMoveOn) return false;
+    if (mHandOver.mode != kAssemblyMode || !mIsComponentMoveOn) return false;
 
     Step step;
-    if (!scaleStep(axes, mOwner->settings, step)) {
+    if (!scaleStep(axes, mSettings, step)) {
         OB_LOG(LogLevel::ERR) << "transSensBase or rotSensBase too small, components are not moved!";
         return false;
     }

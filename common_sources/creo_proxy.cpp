@@ -4,7 +4,8 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/edge.h"
-#include "common_sources/ob_addin.h"
+#include "common_sources/hand_over.h"
+#include "common_sources/settings.h"
 #include "toolkit/pro_toolkit.h"
 
 namespace {
@@ -31,7 +32,7 @@ void logFailure(const char* function, ProError err) {
 // --- What Creo calls ---
 
 int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
-    return atEdge("moveToggleAction", 0, [value] {
+    return atEdge({kLogClass, "moveToggleAction"}, 0, [value] {
         const CreoProxy::Visit proxy;
         if (!proxy) return 0;
         const bool isOn = proxy->toggleComponentMove();
@@ -41,7 +42,7 @@ int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 }
 
 int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
-    return atEdge("scrollToggleAction", 0, [value] {
+    return atEdge({kLogClass, "scrollToggleAction"}, 0, [value] {
         const CreoProxy::Visit proxy;
         if (!proxy) return 0;
         const bool isOn = proxy->toggleScrolling();
@@ -51,21 +52,21 @@ int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 }
 
 int moveToggleValue(uiCmdCmdId, uiCmdValue* value) {
-    return atEdge("moveToggleValue", -1, [value] {
+    return atEdge({kLogClass, "moveToggleValue"}, -1, [value] {
         if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
         return -1;
     });
 }
 
 int scrollToggleValue(uiCmdCmdId, uiCmdValue* value) {
-    return atEdge("scrollToggleValue", -1, [value] {
+    return atEdge({kLogClass, "scrollToggleValue"}, -1, [value] {
         if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
         return -1;
     });
 }
 
 int moveToggleAccess(int) {
-    return atEdge("moveToggleAccess", ACCESS_UNAVAILABLE, [] {
+    return atEdge({kLogClass, "moveToggleAccess"}, ACCESS_UNAVAILABLE, [] {
         const CreoProxy::Visit proxy;
         if (!proxy) return ACCESS_UNAVAILABLE;
         proxy->checkWindows();
@@ -74,7 +75,7 @@ int moveToggleAccess(int) {
 }
 
 int scrollToggleAccess(int) {
-    return atEdge("scrollToggleAccess", ACCESS_AVAILABLE, [] {
+    return atEdge({kLogClass, "scrollToggleAccess"}, ACCESS_AVAILABLE, [] {
         if (const CreoProxy::Visit proxy; proxy) {
             proxy->checkWindows();
             proxy->checkMode(true);
@@ -84,7 +85,7 @@ int scrollToggleAccess(int) {
 }
 
 int onWindowChange() {
-    return atEdge("onWindowChange", 0, [] {
+    return atEdge({kLogClass, "onWindowChange"}, 0, [] {
         if (const CreoProxy::Visit proxy; proxy) {
             proxy->checkWindows();
             proxy->checkMode(false);
@@ -94,7 +95,7 @@ int onWindowChange() {
 }
 
 int onModelChange() {
-    return atEdge("onModelChange", 0, [] {
+    return atEdge({kLogClass, "onModelChange"}, 0, [] {
         if (const CreoProxy::Visit proxy; proxy) proxy->checkMode(false);
         return 0;
     });
@@ -121,16 +122,17 @@ CreoProxy::Visit::Visit() : mProxy(isInstanceAlive ? instance : nullptr) {
 }
 
 CreoProxy::Visit::~Visit() {
-    if (mProxy != nullptr && --mProxy->mVisits == 0 && mProxy->mIsEndPutOff) user_terminate();
+    if (mProxy != nullptr && --mProxy->mVisits == 0 && mProxy->mIsEndPutOff) mProxy->mEndPlugIn();
 }
 
 bool CreoProxy::putOffEnd() {
     if (!isInstanceAlive || instance->mVisits == 0) return false;
-    instance->stopRearming();
+    instance->mHandOver.isEnding = true;
     return instance->mIsEndPutOff = true;
 }
 
-CreoProxy::CreoProxy(CObAddin* owner) : mOwner(owner) {
+CreoProxy::CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, void (*endPlugIn)())
+    : mSettings(settings), mHandOver(handOver), mLegacyCom1(legacyCom1), mEndPlugIn(endPlugIn) {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
     instance = this;
     isInstanceAlive = true;
@@ -139,7 +141,7 @@ CreoProxy::CreoProxy(CObAddin* owner) : mOwner(owner) {
     for (const auto& [type, handler, isUnset] : kNotifications) {
         logFailure("ProNotificationSet", ProNotificationSet(type, handler));
     }
-    if (mOwner->settings.mUseMapkeyForCommands) defineMapkey();
+    if (mSettings.mUseMapkeyForCommands) defineMapkey();
     OB_LOG(LogLevel::CRT) << "CreoProxy constructed.";
 }
 
@@ -148,7 +150,7 @@ CreoProxy::~CreoProxy() {
     for (const auto& [type, handler, isUnset] : kNotifications) {
         if (isUnset) logFailure("ProNotificationUnset", ProNotificationUnset(type));
     }
-    stopRearming();
+    mHandOver.isEnding = true;
     killTimer();
     endGeneration();
     isInstanceAlive = false;
@@ -178,15 +180,9 @@ void CreoProxy::registerCommands() {
     }
 }
 
-bool CreoProxy::isScrollingOn() const { return mOwner->settings.mScrollTreeAndList; }
+bool CreoProxy::isScrollingOn() const { return mSettings.mScrollTreeAndList; }
 
 bool CreoProxy::toggleScrolling() {
-    bool& isOn = mOwner->settings.mScrollTreeAndList;
+    bool& isOn = mSettings.mScrollTreeAndList;
     return isOn = !isOn;
-}
-
-void CreoProxy::setRotationMode(std::int32_t mode, bool firstFlag, bool secondFlag) {
-    mRotationMode = mode;
-    mRotationFlag1 = firstFlag;
-    mRotationFlag2 = secondFlag;
 }

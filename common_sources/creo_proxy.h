@@ -11,9 +11,6 @@
 //   creo_mapkey.cpp    running it through a mapkey and a trail file
 #pragma once
 
-#include <pthread.h>
-
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -23,21 +20,21 @@
 struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-reserved-identifier)
 using WindowHandle = HWND__*;
 
-class CObAddin;
+struct HandOver;
+class LegacyCom1;
+class Settings;
 
-// Created once per user_initialize, destroyed by user_terminate. Everything runs on Creo's user-interface thread
-// except the members said to be for the reading thread.
+// Created once per user_initialize, destroyed by user_terminate. Everything runs on Creo's user-interface thread; what
+// the device side is to know, and what it tells, goes through the hand-over.
 class CreoProxy {
   public:
-    static constexpr std::int32_t kUnknownMode = -1;
     static constexpr std::int32_t kSketcherMode = 0;
     static constexpr std::int32_t kAssemblyMode = 5;
-    static constexpr double kProgressNotStarted = -1.0;
-    static constexpr double kProgressDone = 1.0;
 
     // Finds Creo's windows, arms the timer, registers menu, commands and notifications and, where the settings ask
-    // for it, the mapkey. What Creo refuses is logged and gone without.
-    explicit CreoProxy(CObAddin* owner);
+    // for it, the mapkey. What Creo refuses is logged and gone without. `endPlugIn` is called, as the last thing in a
+    // callback, for an end that was put off until then. What is handed in outlives this object.
+    CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, void (*endPlugIn)());
     ~CreoProxy();
     CreoProxy(const CreoProxy&) = delete;
     CreoProxy& operator=(const CreoProxy&) = delete;
@@ -57,15 +54,15 @@ class CreoProxy {
       private:
         CreoProxy* mProxy;
     };
-    // For user_terminate: false when no visit is going on and the end may come at once.
+    // For whoever ends the plug-in: false when no visit is going on and the end may come at once.
     static bool putOffEnd();
 
     // --- Mode ---
     // Asks Creo for its mode, stores and answers it. `fromAccessCheck`: the check comes from a command's access
     // callback, where another current window must not change the mode.
     std::int32_t checkMode(bool fromAccessCheck);
-    std::int32_t mode() const { return mMode; }
-    // Name of the current mode, "Default" when it has none. Valid as long as this object. Reading thread, too.
+    std::int32_t mode() const;
+    // Name of the current mode, "Default" when it has none. Valid as long as this object.
     std::string_view modeName() const;
 
     // --- Motion ---
@@ -84,16 +81,12 @@ class CreoProxy {
 
     // --- Menu file and commands ---
     // Reads the menu file into the table of commands and the list of mode names; generates the file when there is
-    // none. The timer calls it until menuFileProgress() is kProgressDone.
+    // none. The timer calls it until the hand-over's progress says that this is at its end.
     void loadMenufile();
     // Runs the command with that index in the table.
     void execApplFunction(std::uint32_t menuFncIdx);
     // Sets the standard view that belongs to a special device event.
     void execSpecialApplFunction(std::int32_t code);
-
-    // Progress of loading and generating: negative = not started, below 1.0 = generating, 1.0 = at its end, whatever
-    // that end is. Any thread.
-    double menuFileProgress() const { return mMenuFileProgress; }
 
     // --- Toggles ---
     bool isComponentMoveOn() const { return mIsComponentMoveOn; }
@@ -102,23 +95,12 @@ class CreoProxy {
     bool toggleScrolling();
 
     // --- Timer and windows ---
-    // Lets the timer end after the current tick, and a generation of the menu file as soon as it can.
-    void stopRearming() { mIsEnding = true; }
     // Looks for Creo's windows again, and arms the timer, when one of the known ones is gone.
     void checkWindows();
     // One timer tick, and the two steps of the window search: true = go on with the enumeration.
     void onTimer();
     bool onThreadWindow(WindowHandle window);
     bool onChildWindow(WindowHandle child);
-
-    // --- For the reading thread ---
-    void setRotationMode(std::int32_t mode, bool firstFlag, bool secondFlag);
-    struct RotationMode {
-        std::int32_t mode;
-        bool firstFlag, secondFlag;
-    };
-    RotationMode rotationMode() const { return {mRotationMode, mRotationFlag1, mRotationFlag2}; }
-    void setContextFlag(std::uint8_t flag) { mContextFlag = flag; }
 
   private:
     enum class Generation { running, succeeded, failed };
@@ -139,29 +121,22 @@ class CreoProxy {
     void executeCommandByMapkey(const std::string& macro);
     void sendMapkey() const;
 
-    CObAddin* mOwner;
-    std::atomic<double> mMenuFileProgress{kProgressNotStarted};
-    std::atomic<const Names*> mModeNames{nullptr};            // published once read, never changed afterwards
-    std::vector<std::unique_ptr<const Names>> mAllModeNames;  // all that were published, for as long as this object
+    Settings& mSettings;
+    HandOver& mHandOver;
+    LegacyCom1& mLegacyCom1;
+    void (*mEndPlugIn)();
+    std::vector<std::unique_ptr<const Names>> mAllModeNames;  // all that were handed over, for as long as this object
     Names mMenuFunctions;                                     // command strings by function index
-    std::atomic<bool> mIsEnding{false};  // the timer is re-armed until then; cancels the generating thread
     bool mIsInTick = false;
     int mVisits = 0;  // going on now, one inside the other
     bool mIsEndPutOff = false;
     bool mIsComponentMoveOn = false;
     bool mIsMapkeyUsed = false;
-    std::atomic<std::int32_t> mMode{kUnknownMode};
     std::int32_t mLastSeenWindow = -1;
     std::string mMapkeySequence;          // at most two characters of a-z, 0-9
     std::string mTrailFilePath;           // every run of backslashes doubled
     WindowHandle mTimerWindow = nullptr;  // carries the timer; also Creo's main window for keys
     WindowHandle mGraphicsWindow = nullptr;
-
-    // Written by the reading thread. The rotation mode is kept for the device's settings; the motion ignores it.
-    std::atomic<std::int32_t> mRotationMode{0};
-    std::atomic<bool> mRotationFlag1{false};
-    std::atomic<bool> mRotationFlag2{false};
-    std::atomic<std::uint8_t> mContextFlag{0};
 
     struct GenerationJob;
     std::shared_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated

@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "common_sources/creo_proxy.h"
-#include "common_sources/ob_addin.h"
 #include "common_sources/wheel_message.h"
 
 namespace {

@@ -5,7 +5,8 @@
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/edge.h"
-#include "common_sources/ob_addin.h"
+#include "common_sources/hand_over.h"
+#include "common_sources/settings.h"
 
 namespace {
 
@@ -20,20 +21,20 @@ constexpr int kClassNameSize = 255;
 bool isValid(HWND window) { return reinterpret_cast<INT_PTR>(window) > 0; }
 
 void CALLBACK TimerProc(HWND, UINT, UINT_PTR, DWORD) {
-    atEdge("TimerProc", [] {
+    atEdge({kLogClass, "TimerProc"}, [] {
         if (const CreoProxy::Visit proxy; proxy) proxy->onTimer();
     });
 }
 
 BOOL CALLBACK MyEnumThreadWndProc(HWND window, LPARAM) {
-    return atEdge("MyEnumThreadWndProc", FALSE, [window]() -> BOOL {
+    return atEdge({kLogClass, "MyEnumThreadWndProc"}, FALSE, [window]() -> BOOL {
         const CreoProxy::Visit proxy;
         return proxy && proxy->onThreadWindow(window);
     });
 }
 
 BOOL CALLBACK findGraphicsWindow(HWND child, LPARAM) {
-    return atEdge("findGraphicsWindow", FALSE, [child]() -> BOOL {
+    return atEdge({kLogClass, "findGraphicsWindow"}, FALSE, [child]() -> BOOL {
         const CreoProxy::Visit proxy;
         return proxy && proxy->onChildWindow(child);
     });
@@ -110,10 +111,10 @@ void CreoProxy::onTimer() {
     const InTick inTick(mIsInTick);
     OB_LOG(LogLevel::INF) << "Timer Callback start";
     killTimer();
-    if (mOwner->settings.mIsModeToRead) checkMode(false);
-    if (mMenuFileProgress != kProgressDone) loadMenufile();
+    if (mSettings.mIsModeToRead) checkMode(false);
+    if (mHandOver.menuFileProgress != HandOver::kProgressDone) loadMenufile();
     doTransform();
-    if (!mIsEnding) {
+    if (!mHandOver.isEnding) {
         const UINT interval = isCapMoving() ? kMovingIntervalMs : kRestIntervalMs;
         OB_LOG(LogLevel::DBG) << "timerIntvl: " << interval;
         setTimer(mTimerWindow, interval);

@@ -3,9 +3,8 @@
 #include <chrono>
 #include <thread>
 
-#include "common_sources/creo_proxy.h"
 #include "common_sources/edge.h"
-#include "common_sources/ob_addin.h"
+#include "common_sources/hand_over.h"
 #include "common_sources/progress_window.h"
 #include "driver/obk_ctrlr.h"
 
@@ -16,7 +15,6 @@ constexpr char kLogClass[] = "DaemonProxy";
 constexpr int kDevice = 0;
 constexpr char kConnectName[] = "xtopCreo";
 constexpr char kModeOwner[] = "Creo";
-constexpr std::int32_t kOn = 1;
 constexpr std::chrono::milliseconds kReadingThreadPoll{200};
 constexpr std::chrono::milliseconds kProgressPoll{50};
 
@@ -25,11 +23,23 @@ bool isSpecialEvent(std::int32_t event) {
            (event >= kEventSpecialFirst2 && event <= kEventSpecialLast2);
 }
 
+// Decimal-coded: units = mode, where 4 stands for mode 2 with the second flag; tens = first, hundreds = second flag.
+void storeRotationMode(std::int32_t code, HandOver& handOver) {
+    const std::int32_t hundreds = code / 100;
+    const std::int32_t rest = code - 100 * hundreds;
+    const std::int32_t tens = rest / 10;
+    const std::int32_t units = rest - 10 * tens;
+    const bool isAlias = units == 4;
+    handOver.rotationMode = isAlias ? 2 : units;
+    handOver.rotationFlag1 = tens >= 1;
+    handOver.rotationFlag2 = hundreds >= 1 || isAlias;
+}
+
 }  // namespace
 
-DaemonProxy::DaemonProxy(CObAddin* owner) : mOwner(owner) {
+DaemonProxy::DaemonProxy(HandOver& handOver) : mHandOver(handOver) {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
-    mOwner->applFunction = CObAddin::kNoFunction;
+    mHandOver.applFunction = HandOver::kNoFunction;
     connect();
     mIsReadingThreadRunning = true;  // before the thread runs: destruction must not overtake its start
     if (pthread_create(&mReadingThread, nullptr, &readingEntry, this) != 0) mIsReadingThreadRunning = false;
@@ -38,7 +48,7 @@ DaemonProxy::DaemonProxy(CObAddin* owner) : mOwner(owner) {
 
 DaemonProxy::~DaemonProxy() {
     OB_LOG(LogLevel::CRT) << "Destructing ...";
-    mIsRunning = false;
+    mHandOver.isEnding = true;
     if (obDisconnect() != 0) OB_LOG(LogLevel::ERR) << "Error in obDisConnect()!";
     while (mIsReadingThreadRunning) std::this_thread::sleep_for(kReadingThreadPoll);
     OB_LOG(LogLevel::CRT) << "Destructed.";
@@ -86,42 +96,13 @@ void DaemonProxy::retrieveRotMode() {
         OB_LOG(LogLevel::ERR) << "Error in obGetAdvancedSettings()!";
         settings = {};
     }
-    mOwner->setRotationMode(settings.rotationMode);
-    mOwner->mCreoProxyP->setContextFlag(settings.contextFlag);
-}
-
-bool DaemonProxy::stopLegacyCom1() {
-    if (mSavedLegacyCom1 != kNothingSaved) return false;
-    std::int32_t value = 0;
-    if (obGetOption(kOptionLegacyCom1, &value) != 0) return false;
-    mSavedLegacyCom1 = value;
-    if (mSavedLegacyCom1 != kOn) return true;
-    OB_LOG(LogLevel::DBG) << "Switch LegacyCOM1 off";
-    std::int32_t off = 0;
-    if (obSetOption(kOptionLegacyCom1, &off) == 0) return true;
-    OB_LOG(LogLevel::ERR) << "Cannot switch LegacyCOM1 off!";
-    return false;
-}
-
-bool DaemonProxy::resetLegacyCom1() {
-    if (mSavedLegacyCom1 < 0) return false;
-    if (mSavedLegacyCom1 != kOn) {
-        mSavedLegacyCom1 = kNothingSaved;
-        return true;
-    }
-    OB_LOG(LogLevel::DBG) << "Switch LegacyCOM1 on again";
-    std::int32_t on = kOn;
-    if (obSetOption(kOptionLegacyCom1, &on) != 0) {
-        OB_LOG(LogLevel::ERR) << "Cannot switch LegacyCOM1 on again!";
-        return false;
-    }
-    mSavedLegacyCom1 = kNothingSaved;
-    return true;
+    storeRotationMode(settings.rotationMode, mHandOver);
+    mHandOver.contextFlag = settings.contextFlag;
 }
 
 void* DaemonProxy::readingEntry(void* proxy) {
     auto* self = static_cast<DaemonProxy*>(proxy);
-    atEdge("readMouseEvents", [self] { self->readMouseEvents(); });
+    atEdge({kLogClass, "readMouseEvents"}, [self] { self->readMouseEvents(); });
     self->mIsReadingThreadRunning = false;
     return nullptr;
 }
@@ -129,8 +110,8 @@ void* DaemonProxy::readingEntry(void* proxy) {
 void DaemonProxy::readMouseEvents() {
     mLastModeSent.clear();
     showProgress();
-    MotionSlots& slots = mOwner->motion;
-    while (mIsRunning) {
+    HandOver::Motion& slots = mHandOver.motion;
+    while (!mHandOver.isEnding) {
         std::int16_t tx = 0, ty = 0, tz = 0, rx = 0, ry = 0, rz = 0;
         std::int32_t unused1 = 0, unused2 = 0, event = -1, extra1 = 0, extra2 = 0;
         const int status =
@@ -153,9 +134,9 @@ void DaemonProxy::readMouseEvents() {
 // First start: while the menu file is being generated, shows how far it is. Ends with the generation.
 void DaemonProxy::showProgress() {
     ProgressWindow window;
-    while (mIsRunning) {
-        const double progress = mOwner->mCreoProxyP->menuFileProgress();
-        if (progress >= CreoProxy::kProgressDone) break;
+    while (!mHandOver.isEnding) {
+        const double progress = mHandOver.menuFileProgress;
+        if (progress >= HandOver::kProgressDone) break;
         if (progress >= 0.0) {
             if (!window.isRunning()) window.start();
             if (window.isRunning()) window.update(progress);
@@ -168,13 +149,13 @@ void DaemonProxy::showProgress() {
 void DaemonProxy::handleEvent(std::int32_t event) {
     OB_LOG(LogLevel::TRC) << "event: " << event << ", APPL_FUNC_START: " << APPL_FUNC_START;
     if (event == kEventSettingsChanged1 || event == kEventSettingsChanged2) retrieveRotMode();
-    if (isSpecialEvent(event)) mOwner->specialEvent = event;
-    if (event >= APPL_FUNC_START) mOwner->applFunction = event - APPL_FUNC_START;
+    if (isSpecialEvent(event)) mHandOver.specialEvent = event;
+    if (event >= APPL_FUNC_START) mHandOver.applFunction = event - APPL_FUNC_START;
     if (event == kEventResendMode) mLastModeSent.clear();
 }
 
 void DaemonProxy::sendMode() {
-    const std::string_view mode = mOwner->modeName();
+    const std::string_view mode = mHandOver.modeName();
     if (mode == mLastModeSent && !mIsModeToResend) return;
     // Cleared before the call, so that a reconnection during it is not forgotten.
     mIsModeToResend = false;

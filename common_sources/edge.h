@@ -4,22 +4,35 @@
 
 #include "OB_Daemon/src/logging.h"
 
+// Where an edge is: class and method of a function that Creo or Windows calls; file and line are the place that names
+// it.
+struct Edge {
+    // NOLINTNEXTLINE(google-explicit-constructor): written as {kLogClass, "method"}
+    constexpr Edge(const char* logClass, const char* edgeMethod, const char* edgeFile = __builtin_FILE(),
+                   int edgeLine = __builtin_LINE())
+        : className(logClass), method(edgeMethod), file(edgeFile), line(edgeLine) {}
+
+    const char* className;
+    const char* method;
+    const char* file;
+    int line;
+};
+
 // Runs the body of a function that Creo or Windows calls. Nothing leaves it: whatever is thrown is logged as
-// "Error <name>()" and answered by `onError`.
+// "Error <method>()" and answered by `onError`.
 template <typename Result, typename Body>
-Result atEdge(const char* name, Result onError, Body&& body) noexcept {
-    static constexpr char kLogClass[] = "CreoProxy";
+Result atEdge(const Edge& edge, Result onError, Body&& body) noexcept {
     try {
         return std::forward<Body>(body)();
     } catch (...) {
-        OB_LOG_IN(LogLevel::ERR, name) << "Error " << name << "()";
+        OB_LOG_AT(LogLevel::ERR, edge.file, edge.line, edge.className, edge.method) << "Error " << edge.method << "()";
         return onError;
     }
 }
 
 template <typename Body>
-void atEdge(const char* name, Body&& body) noexcept {
-    atEdge(name, 0, [&] {
+void atEdge(const Edge& edge, Body&& body) noexcept {
+    atEdge(edge, 0, [&] {
         std::forward<Body>(body)();
         return 0;
     });

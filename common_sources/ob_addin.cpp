@@ -26,10 +26,10 @@ constexpr char kDriverLogFile[] = "Creo_plugin_dll_log.txt";
 constexpr int kDriverLogSizeKb = 500;
 
 // Null when the object cannot be created, for whatever reason.
-template <typename Proxy>
-Proxy* create(CObAddin* owner) {
+template <typename Proxy, typename... Parts>
+Proxy* create(Parts&&... parts) {
     try {
-        return new Proxy(owner);
+        return new Proxy(std::forward<Parts>(parts)...);
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -51,7 +51,7 @@ CObAddin* gAddin = nullptr;
 
 int user_initialize() {
     static constexpr char kMethod[] = "user_initialize";
-    atEdge(kMethod, [] {
+    atEdge({kLogClass, kMethod}, [] {
         if (gAddin != nullptr) {
             OB_LOG_IN(LogLevel::WRN, kMethod) << "user_initialize() called twice!";
             return;
@@ -63,7 +63,7 @@ int user_initialize() {
 }
 
 void user_terminate() {
-    atEdge("user_terminate", [] {
+    atEdge({kLogClass, "user_terminate"}, [] {
         if (CreoProxy::putOffEnd()) return;     // comes again at the end of the running callback
         delete std::exchange(gAddin, nullptr);  // nobody deletes it twice, whatever comes in meanwhile
     });
@@ -73,8 +73,8 @@ CObAddin::CObAddin() {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
     configureLogging();
     OB_LOG(LogLevel::CRT) << "Constructing ...";
-    mCreoProxyP = create<CreoProxy>(this);
-    if (mCreoProxyP != nullptr) mDaemonProxyP = create<DaemonProxy>(this);  // writes to the Creo side from the start
+    mCreoProxyP = create<CreoProxy>(settings, handOver, legacyCom1, &user_terminate);
+    if (mCreoProxyP != nullptr) mDaemonProxyP = create<DaemonProxy>(handOver);
     if (mCreoProxyP == nullptr || mDaemonProxyP == nullptr) {
         OB_LOG(LogLevel::ERR) << "mCreoProxyP or mDaemonProxyP could not be created!";
         std::exit(-1);
@@ -85,15 +85,11 @@ CObAddin::CObAddin() {
 
 CObAddin::~CObAddin() {
     OB_LOG(LogLevel::CRT) << "Destructing ...";
-    mIsRunning = false;
-    mCreoProxyP->stopRearming();
-    mDaemonProxyP->stopReading();
+    handOver.isEnding = true;
     while (mIsWatchdogRunning) std::this_thread::sleep_for(kWatchdogPause);
-    mDaemonProxyP->resetLegacyCom1();
-    // Nothing finds it from here on: a tick that comes meanwhile must not switch the legacy channel off again.
-    delete std::exchange(mDaemonProxyP, nullptr);
+    legacyCom1.resetLegacyCom1();
+    delete mDaemonProxyP;
     delete mCreoProxyP;
-    mCreoProxyP = nullptr;
     OB_LOG(LogLevel::CRT) << "Destructed.";
 }
 
@@ -104,7 +100,6 @@ void CObAddin::configureLogging() {
 }
 
 void CObAddin::startWatchdog() {
-    mIsRunning = true;
     mIsWatchdogRunning = true;  // before the thread runs: destruction must not overtake its start
     if (pthread_create(&mWatchdog, nullptr, &watchdogEntry, this) != 0) {
         mIsWatchdogRunning = false;
@@ -114,25 +109,14 @@ void CObAddin::startWatchdog() {
 
 void* CObAddin::watchdogEntry(void* addin) {
     auto* self = static_cast<CObAddin*>(addin);
-    atEdge("watchdogEntry", [self] { self->watchConnection(); });
+    atEdge({kLogClass, "watchdogEntry"}, [self] { self->watchConnection(); });
     self->mIsWatchdogRunning = false;
     return nullptr;
 }
 
 void CObAddin::watchConnection() {
-    while (mIsRunning) {
+    while (!handOver.isEnding) {
         if (!mDaemonProxyP->checkConnection()) mDaemonProxyP->connect();
         std::this_thread::sleep_for(kWatchdogPause);
     }
-}
-
-std::string_view CObAddin::modeName() const { return mCreoProxyP->modeName(); }
-
-void CObAddin::setRotationMode(std::int32_t code) {
-    const std::int32_t hundreds = code / 100;
-    const std::int32_t rest = code - 100 * hundreds;
-    const std::int32_t tens = rest / 10;
-    const std::int32_t units = rest - 10 * tens;
-    const bool isAlias = units == 4;
-    mCreoProxyP->setRotationMode(isAlias ? 2 : units, tens >= 1, hundreds >= 1 || isAlias);
 }

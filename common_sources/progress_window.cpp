@@ -83,7 +83,7 @@ struct ProgressWindow::Window {
     }
 
     static LRESULT CALLBACK procedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam) {
-        return atEdge("WindowProc", LRESULT{0}, [&] { return handle(frame, message, wParam, lParam); });
+        return atEdge({kLogClass, "WindowProc"}, LRESULT{0}, [&] { return handle(frame, message, wParam, lParam); });
     }
 
     static bool registerClass() {
@@ -122,7 +122,7 @@ void ProgressWindow::start() {
     mIsRunning = true;
     try {
         mWindow->thread = std::thread([this] {
-            atEdge("run", [this] { run(); });
+            atEdge({kLogClass, "run"}, [this] { run(); });
             mWindow->forgetControls();
             mIsRunning = false;
         });

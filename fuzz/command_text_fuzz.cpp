@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_text.h"
 #include "fuzz/check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <string>
 
-#include "common_sources/menu_file.h"
-#include "common_sources/mnu_writer.h"
+#include "common_sources/mnu/mnu_reader.h"
+#include "common_sources/mnu/mnu_writer.h"
 #include "config/cnfg.h"
 #include "fuzz/check.h"
 

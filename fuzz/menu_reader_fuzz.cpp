@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-#include "common_sources/menu_file.h"
+#include "common_sources/mnu/mnu_reader.h"
 #include "config/cnfg.h"
 #include "fuzz/check.h"
 #include "fuzz/plain_reader.h"

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "common_sources/mnu_menus.h"
+#include "common_sources/mnu/mnu_menus.h"
 #include "fuzz/check.h"
 #include "tests/mnu/plain_menus.h"
 

@@ -174,7 +174,9 @@ struct LogVoid {
 // NOLINTBEGIN(bugprone-macro-parentheses): the message follows the macro
 #define OB_LOG(level) OB_LOG_IN(level, __func__)
 // The same inside a lambda, whose own name would tell nothing: `method` is the method that the lambda belongs to.
-#define OB_LOG_IN(level, method)                          \
+#define OB_LOG_IN(level, method) OB_LOG_AT(level, __FILE__, __LINE__, kLogClass, method)
+// The same for another place than the statement's own.
+#define OB_LOG_AT(level, file, line, className, method)   \
     !LogStatement::isWanted(level) ? static_cast<void>(0) \
-                                   : LogVoid{} & LogStatement(level, __FILE__, __LINE__, kLogClass, method).self()
+                                   : LogVoid{} & LogStatement(level, file, line, className, method).self()
 // NOLINTEND(bugprone-macro-parentheses)

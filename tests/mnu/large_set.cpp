@@ -3,7 +3,7 @@
 #include <random>
 #include <string_view>
 
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_text.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "common_sources/mnu_menus.h"
+#include "common_sources/mnu/mnu_menus.h"
 
 #include <gmock/gmock.h>
 
 #include <random>
 
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_text.h"
 #include "tests/mnu/large_set.h"
 #include "tests/mnu/plain_menus.h"
 

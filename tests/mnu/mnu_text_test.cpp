@@ -1,4 +1,4 @@
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_text.h"
 
 #include <gmock/gmock.h>
 

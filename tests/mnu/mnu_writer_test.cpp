@@ -1,4 +1,4 @@
-#include "common_sources/mnu_writer.h"
+#include "common_sources/mnu/mnu_writer.h"
 
 #include <gmock/gmock.h>
 
@@ -6,8 +6,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "common_sources/menu_file.h"
-#include "common_sources/mnuParser.h"
+#include "common_sources/mnu/mnu_parser.h"
+#include "common_sources/mnu/mnu_reader.h"
 #include "config/cnfg.h"
 
 #ifndef _WIN32

@@ -1,6 +1,6 @@
 #include "tests/mnu/plain_menus.h"
 
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_text.h"
 
 std::size_t plainFind(const std::string& text, const std::string& upperName) {
     for (std::size_t at = 0; at + upperName.size() <= text.size(); ++at) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "common_sources/mnu_menus.h"
+#include "common_sources/mnu/mnu_menus.h"
 
 struct PlainMenus {
     std::map<std::string, std::string> panes;

@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "common_sources/creo_proxy.h"
+#include "common_sources/hand_over.h"
 #include "common_sources/progress_window.h"
 
 namespace substitute {
@@ -60,7 +61,7 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
     using substitute::GenerationEnd;
     switch (windows().generate ? windows().generate(path) : GenerationEnd::failed) {
         case GenerationEnd::running:
-            mMenuFileProgress = 0.5;
+            mHandOver.menuFileProgress = 0.5;
             return Generation::running;
         case GenerationEnd::succeeded:
             return Generation::succeeded;

@@ -104,7 +104,7 @@ TEST_F(Command, StandardViews) {
         for (const std::uint8_t contextFlag : std::initializer_list<std::uint8_t>{0, 1, 200}) {
             toolkit().view = {};
             const int refreshes = toolkit().calls("ProWindowRefresh"), refits = toolkit().calls("ProViewRefit");
-            creo().setContextFlag(contextFlag);
+            handOver().contextFlag = contextFlag;
             newLog();
             creo().execSpecialApplFunction(code);
             for (std::size_t i = 0; i < 4; ++i) {
@@ -133,7 +133,7 @@ TEST_F(Command, FitAndUnknownSpecialEvents) {
                           {0x20008, 1, 1, true},  {0x20015, 0, 0, true},  {0x20019, 1, 1, true}};
     for (const auto& c : cases) {
         const int before = toolkit().calls("ProViewRefit");
-        creo().setContextFlag(c.contextFlag);
+        handOver().contextFlag = c.contextFlag;
         newLog();
         creo().execSpecialApplFunction(c.code);
         EXPECT_EQ(toolkit().calls("ProViewRefit") - before, c.refits) << std::hex << c.code;
@@ -152,7 +152,7 @@ TEST_F(Command, RefusedViewsAreLogged) {
     toolkit().fail("ProViewMatrixSet");
     toolkit().fail("ProWindowRefresh");
     toolkit().fail("ProViewRefit");
-    creo().setContextFlag(1);
+    handOver().contextFlag = 1;
     creo().execSpecialApplFunction(0x2000A);
     EXPECT_THAT(newLogWithout({"TMP"}),
                 ElementsAre("ERR Error in ProViewMatrixSet()! err=-1", "ERR Error in ProWindowRefresh()! err=-1",

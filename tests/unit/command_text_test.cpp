@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common_sources/menu_file.h"
+#include "common_sources/mnu/mnu_reader.h"
 
 namespace {
 

@@ -38,7 +38,7 @@ class Daemon : public PlugIn {
         creo().checkMode(false);
     }
     std::array<int, 6> axes() const {
-        const MotionSlots& m = addin->motion;
+        const HandOver::Motion& m = addin->handOver.motion;
         return {m.tx, m.ty, m.tz, m.rx, m.ry, m.rz};
     }
 };
@@ -140,16 +140,14 @@ TEST_F(Daemon, RotationModeIsDecodedByItsDigits) {
     for (const auto& c : cases) {
         driver().setAdvancedSettings(c.code, 0);
         daemon().retrieveRotMode();
-        const auto [mode, first, second] = creo().rotationMode();
-        EXPECT_EQ(mode, c.mode) << c.code;
-        EXPECT_EQ(first, c.first) << c.code;
-        EXPECT_EQ(second, c.second) << c.code;
+        EXPECT_EQ(handOver().rotationMode, c.mode) << c.code;
+        EXPECT_EQ(handOver().rotationFlag1, c.first) << c.code;
+        EXPECT_EQ(handOver().rotationFlag2, c.second) << c.code;
     }
     driver().fail(Operation::getAdvancedSettings);
     daemon().retrieveRotMode();
-    const auto [mode, first, second] = creo().rotationMode();
-    EXPECT_EQ(mode, 0);
-    EXPECT_FALSE(first || second);
+    EXPECT_EQ(handOver().rotationMode, 0);
+    EXPECT_FALSE(handOver().rotationFlag1 || handOver().rotationFlag2);
 }
 
 TEST_F(Daemon, LegacyChannelIsSavedOnceAndRestoredOnce) {
@@ -179,7 +177,8 @@ TEST_F(Daemon, LegacyChannelIsSavedOnceAndRestoredOnce) {
     };
     for (const auto& s : steps) {
         driver().fail(s.failing);
-        EXPECT_EQ(s.call == Call::stop ? daemon().stopLegacyCom1() : daemon().resetLegacyCom1(), s.result)
+        EXPECT_EQ(s.call == Call::stop ? addin->legacyCom1.stopLegacyCom1() : addin->legacyCom1.resetLegacyCom1(),
+                  s.result)
             << &s - steps;
         driver().fail(s.failing, 0);
         EXPECT_EQ(driver().legacyCom1(), s.channel) << &s - steps;
@@ -194,16 +193,16 @@ TEST_F(Daemon, LegacyChannelIsSavedOnceAndRestoredOnce) {
     // A channel that was off stays off.
     driver().setLegacyCom1(0);
     const int sets = driver().calls(Operation::setOption);
-    EXPECT_TRUE(daemon().stopLegacyCom1());
-    EXPECT_FALSE(daemon().stopLegacyCom1());
-    EXPECT_TRUE(daemon().resetLegacyCom1());
-    EXPECT_FALSE(daemon().resetLegacyCom1());
+    EXPECT_TRUE(addin->legacyCom1.stopLegacyCom1());
+    EXPECT_FALSE(addin->legacyCom1.stopLegacyCom1());
+    EXPECT_TRUE(addin->legacyCom1.resetLegacyCom1());
+    EXPECT_FALSE(addin->legacyCom1.resetLegacyCom1());
     EXPECT_EQ(driver().calls(Operation::setOption), sets);
 }
 
 TEST_F(Daemon, ChannelIsGivenBackAtTheEnd) {
     start();
-    daemon().stopLegacyCom1();
+    addin->legacyCom1.stopLegacyCom1();
     EXPECT_EQ(driver().legacyCom1(), 0);
     stop();
     EXPECT_EQ(driver().legacyCom1(), 1);
@@ -214,12 +213,12 @@ TEST_F(Daemon, AxesAreTakenFromGoodReadsOnly) {
     send({0, {1, -2, 32767, -32768, 5, 6}, -1, 70000, -80000});
     const std::array<int, 6> expected{1, -2, 32767, -32768, 5, 6};
     EXPECT_EQ(axes(), expected);
-    EXPECT_EQ(addin->motion.extra1, 70000);
-    EXPECT_EQ(addin->motion.extra2, -80000);
+    EXPECT_EQ(handOver().motion.extra1, 70000);
+    EXPECT_EQ(handOver().motion.extra2, -80000);
     send({-1, {9, 9, 9, 9, 9, 9}, 0x20020 + 5, 9, 9});  // the event counts all the same
     EXPECT_EQ(axes(), expected);
-    EXPECT_EQ(addin->motion.extra1, 70000);
-    EXPECT_EQ(addin->applFunction, 5);
+    EXPECT_EQ(handOver().motion.extra1, 70000);
+    EXPECT_EQ(handOver().applFunction, 5);
 }
 
 TEST_F(Daemon, EventsReachTheirSlots) {
@@ -245,26 +244,26 @@ TEST_F(Daemon, EventsReachTheirSlots) {
         {0x20003, -1, 0},
     };
     for (const auto& c : cases) {
-        addin->applFunction = -1;
-        addin->specialEvent = 0;
+        handOver().applFunction = -1;
+        handOver().specialEvent = 0;
         newLog();
         send(eventRead(c.event));
-        EXPECT_EQ(addin->applFunction, c.function) << std::hex << c.event;
-        EXPECT_EQ(addin->specialEvent, c.special) << std::hex << c.event;
+        EXPECT_EQ(handOver().applFunction, c.function) << std::hex << c.event;
+        EXPECT_EQ(handOver().specialEvent, c.special) << std::hex << c.event;
         EXPECT_THAT(newLog(), ElementsAre("TRC event: " + std::to_string(c.event) + ", APPL_FUNC_START: 131104"));
     }
     for (const std::int32_t none : {-1, -2, -2147483647}) send(eventRead(none));
     EXPECT_THAT(newLog(), IsEmpty());
     driver().queue(eventRead(0x20020 + 3));
     send(eventRead(0x20020 + 4));
-    EXPECT_EQ(addin->applFunction, 4);  // the latest wins
+    EXPECT_EQ(handOver().applFunction, 4);  // the latest wins
 
     const int reads = driver().calls(Operation::getAdvancedSettings);
     driver().setAdvancedSettings(13, 0);
     send(eventRead(0x20001));
     send(eventRead(0x20002, -1));
     EXPECT_EQ(driver().calls(Operation::getAdvancedSettings), reads + 2);
-    EXPECT_EQ(creo().rotationMode().mode, 3);
+    EXPECT_EQ(handOver().rotationMode, 3);
 }
 
 TEST_F(Daemon, ModeIsSentWhenItChangesAndWhenAskedFor) {

@@ -58,7 +58,7 @@ TEST_F(Menu, FilesOfEveryKind) {
         writeMenuFile(c.file);
         newLog();
         creo().loadMenufile();
-        EXPECT_EQ(creo().menuFileProgress(), 1.0);
+        EXPECT_EQ(handOver().menuFileProgress, 1.0);
         EXPECT_THAT(newLog(), Contains("TRC Menu file '" + menuFile() + "' with " + std::to_string(c.entries) +
                                        " entries loaded."));
         EXPECT_EQ(entries(), c.entries) << c.what;
@@ -83,11 +83,11 @@ TEST_F(Menu, GenerationDecidesWhatIsLoaded) {
         std::filesystem::remove(menuFile());
         substitute::windows().generate = [](const std::string&) { return GenerationEnd::running; };
         start();
-        EXPECT_LT(creo().menuFileProgress(), 0.0) << c.what;
+        EXPECT_LT(handOver().menuFileProgress, 0.0) << c.what;
         creo().loadMenufile();  // the first tick starts it, the next ones look
         creo().loadMenufile();
-        EXPECT_GE(creo().menuFileProgress(), 0.0) << c.what;
-        EXPECT_LT(creo().menuFileProgress(), 1.0) << c.what;
+        EXPECT_GE(handOver().menuFileProgress, 0.0) << c.what;
+        EXPECT_LT(handOver().menuFileProgress, 1.0) << c.what;
         EXPECT_EQ(entries(), 0);
         substitute::windows().generate = [&](const std::string& path) {
             EXPECT_EQ(path, menuFile());
@@ -95,7 +95,7 @@ TEST_F(Menu, GenerationDecidesWhatIsLoaded) {
             return c.end;
         };
         creo().loadMenufile();
-        EXPECT_EQ(creo().menuFileProgress(), 1.0) << c.what;
+        EXPECT_EQ(handOver().menuFileProgress, 1.0) << c.what;
         EXPECT_EQ(entries(), c.entries) << c.what;
         stop();
     }
@@ -105,7 +105,7 @@ TEST_F(Menu, FolderInPlaceOfTheFileEndsTheLoading) {
     start();
     std::filesystem::create_directory(menuFile());
     creo().loadMenufile();
-    EXPECT_EQ(creo().menuFileProgress(), 1.0);
+    EXPECT_EQ(handOver().menuFileProgress, 1.0);
     EXPECT_EQ(entries(), 0);
 }
 
@@ -113,7 +113,7 @@ TEST_F(Menu, GenerationThatThrowsEndsTheLoading) {
     substitute::windows().generate = [](const std::string&) -> GenerationEnd { throw std::bad_alloc(); };
     start();
     EXPECT_THROW(creo().loadMenufile(), std::bad_alloc);
-    EXPECT_EQ(creo().menuFileProgress(), 1.0);
+    EXPECT_EQ(handOver().menuFileProgress, 1.0);
 }
 
 }  // namespace

@@ -174,12 +174,12 @@ TEST_F(Motion, NoTimeToMoveMeansNoPassAtAll) {
     toolkit().components[1] = kIdentity4;
     toolkit().selection = {{1}};
     substitute::windows().scrollKind = 1;
-    addin->applFunction = 3;
-    addin->specialEvent = 0x2000C;
+    handOver().applFunction = 3;
+    handOver().specialEvent = 0x2000C;
     setAxes({50, 0, 0, 0, 0, 0});
     EXPECT_FALSE(creo().doTransform());
-    EXPECT_EQ(addin->applFunction, 3);
-    EXPECT_EQ(addin->specialEvent, 0x2000C);
+    EXPECT_EQ(handOver().applFunction, 3);
+    EXPECT_EQ(handOver().specialEvent, 0x2000C);
     EXPECT_THAT(substitute::windows().scrolls, IsEmpty());
     EXPECT_EQ(toolkit().components[1], kIdentity4);
     addin->settings.mMaxContMoveTime = 5000;
@@ -201,20 +201,20 @@ TEST_F(Motion, OneCallGoesOnMovingUntilTheTimeIsOver) {
 TEST_F(Motion, CommandSlotsAreConsumedOnEveryPass) {
     start();
     for (const auto& [function, event] : {std::pair{0, 0}, {7, 0x20009}, {2147483647, 0x12345}}) {
-        addin->applFunction = function;
-        addin->specialEvent = event;
+        handOver().applFunction = function;
+        handOver().specialEvent = event;
         creo().doTransform();
-        EXPECT_EQ(addin->applFunction, -1);
-        EXPECT_EQ(addin->specialEvent, 0);
+        EXPECT_EQ(handOver().applFunction, -1);
+        EXPECT_EQ(handOver().specialEvent, 0);
     }
     for (const auto& [function, event] : {std::pair{-1, 0}, {-2, -5}}) {  // empty and senseless ones are left alone
-        addin->applFunction = function;
-        addin->specialEvent = event;
+        handOver().applFunction = function;
+        handOver().specialEvent = event;
         newLog();
         creo().doTransform();
         EXPECT_THAT(newLogWithout({"INF", "DBG"}), IsEmpty());
     }
-    addin->specialEvent = 0x2000C;
+    handOver().specialEvent = 0x2000C;
     creo().doTransform();
     EXPECT_THAT(newLog(), testing::Contains("INF keyEvent: 131084"));
     EXPECT_EQ(toolkit().calls("ProViewRefit"), 1);
@@ -430,7 +430,7 @@ TEST_F(Motion, WhatIsThrownEndsTheTickAtItsEdge) {
     toolkit().components[1] = kIdentity4;
     toolkit().selection = {{1}};
     for (const char* function : {"ProArraySizeGet", "ProAsmcompPositionSet", "ProMdlCurrentGet"}) {
-        addin->applFunction = 5;
+        handOver().applFunction = 5;
         setAxes({1, 0, 0, 0, 0, 0});
         toolkit().onCall(function, [] { throw std::runtime_error("host"); });
         newLog();
@@ -440,6 +440,23 @@ TEST_F(Motion, WhatIsThrownEndsTheTickAtItsEdge) {
         EXPECT_EQ(toolkit().selectionArrays, 0) << function;
         EXPECT_FALSE(toolkit().isDynamic) << function;
     }
+}
+
+// The error line names the function's own file and class, so that the file filter shows it.
+TEST_F(Motion, ErrorAtTheEdgeIsShownByTheFilterOfItsFile) {
+    startMoving();
+    LoggingParameters parameters = addin->settings.mLogPars;
+    for (const auto& [filter, isShown] : {std::pair{"creo_motion.cpp", true}, {"edge.h", false}}) {
+        parameters.mExclFileToLog = filter;
+        gLogging.init(parameters);
+        newLog();
+        toolkit().onCall("ProMdlCurrentGet", [] { throw std::runtime_error("host"); });
+        creo().doTransform();
+        toolkit().onCall("ProMdlCurrentGet", {});
+        EXPECT_EQ(testing::Value(newLog(), testing::Contains("ERR Error doTransform()")), isShown) << filter;
+    }
+    const std::string written = textOf(productFolder() + kPathSeparator + "plug.log");
+    EXPECT_NE(written.find("| *eoProxy::CreoProxy::doTransform| Error doTransform()"), std::string::npos);
 }
 
 TEST_F(Motion, WithoutASelectionTheCallEndsAfterOnePass) {

@@ -39,7 +39,7 @@ class PlugIn : public testing::Test {
         gLogging.init(LoggingParameters());
         // A statement inside a lambda names the method around it.
         const std::string written = textOf(productFolder() + kPathSeparator + "plug.log");
-        for (const char* className : {"CObAddin", "CreoProxy", "DaemonProxy"}) {
+        for (const char* className : {"CObAddin", "CreoProxy", "DaemonProxy", "LegacyCom1"}) {
             EXPECT_EQ(written.find(std::string(className) + "::operator()"), std::string::npos);
         }
         EXPECT_EQ(toolkit().selectionArrays, 0);
@@ -103,10 +103,11 @@ class PlugIn : public testing::Test {
 
     CreoProxy& creo() const { return *addin->mCreoProxyP; }
     DaemonProxy& daemon() const { return *addin->mDaemonProxyP; }
+    HandOver& handOver() const { return addin->handOver; }
 
     void setAxes(std::int16_t tx, std::int16_t ty, std::int16_t tz, std::int16_t rx, std::int16_t ry,
                  std::int16_t rz) const {
-        MotionSlots& slots = addin->motion;
+        HandOver::Motion& slots = addin->handOver.motion;
         slots.tx = tx;
         slots.ty = ty;
         slots.tz = tz;

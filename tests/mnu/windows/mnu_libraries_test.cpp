@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "OB_Daemon/src/logging.h"
-#include "common_sources/mnuParser.h"
+#include "common_sources/mnu/mnu_parser.h"
 #include "tests/mnu/large_set.h"
 #include "tests/mnu/windows/data_folder.h"
 #include "tests/mnu/windows/resource_dll.h"

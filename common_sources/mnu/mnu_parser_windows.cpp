@@ -1,5 +1,5 @@
 // The part of MNUParser that reads resource libraries.
-#include "common_sources/mnuParser.h"
+#include "common_sources/mnu/mnu_parser.h"
 
 #include <windows.h>
 
@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "OB_Daemon/src/logging.h"
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_text.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "common_sources/mnu_matcher.h"
+#include "common_sources/mnu/mnu_matcher.h"
 
-#include "common_sources/mnu_text.h"
+#include "common_sources/mnu/mnu_text.h"
 
 namespace {
 

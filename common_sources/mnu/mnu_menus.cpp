@@ -1,10 +1,10 @@
-#include "common_sources/mnu_menus.h"
+#include "common_sources/mnu/mnu_menus.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "common_sources/mnu_encoding.h"
-#include "common_sources/mnu_matcher.h"
+#include "common_sources/mnu/mnu_encoding.h"
+#include "common_sources/mnu/mnu_matcher.h"
 
 namespace {
 

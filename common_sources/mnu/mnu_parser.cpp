@@ -1,13 +1,13 @@
-// The part of MNUParser that works on texts only; mnuParser_windows.cpp reads the libraries.
-#include "common_sources/mnuParser.h"
+// The part of MNUParser that works on texts only; mnu_parser_windows.cpp reads the libraries.
+#include "common_sources/mnu/mnu_parser.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "OB_Daemon/src/logging.h"
-#include "common_sources/mnu_encoding.h"
-#include "common_sources/mnu_text.h"
-#include "common_sources/mnu_writer.h"
+#include "common_sources/mnu/mnu_encoding.h"
+#include "common_sources/mnu/mnu_text.h"
+#include "common_sources/mnu/mnu_writer.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "OB_Daemon/src/logging.h"
-#include "common_sources/mnuParser.h"
+#include "common_sources/mnu/mnu_parser.h"
 
 namespace {
 

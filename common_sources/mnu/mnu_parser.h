@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "common_sources/mnu_menus.h"
+#include "common_sources/mnu/mnu_menus.h"
 
 // One generation at a time; all members are for the thread that generates. Only the progress value and the cancel
 // flag may be touched by others meanwhile. Failures are answered and logged (level ERR), never thrown, by CreateMNU,

@@ -1,4 +1,4 @@
-#include "common_sources/mnu_encoding.h"
+#include "common_sources/mnu/mnu_encoding.h"
 
 #ifdef _WIN32
 #include <windows.h>

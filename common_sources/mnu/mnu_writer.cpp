@@ -1,4 +1,4 @@
-#include "common_sources/mnu_writer.h"
+#include "common_sources/mnu/mnu_writer.h"
 
 #include <unistd.h>
 
@@ -10,24 +10,18 @@
 #include <iterator>
 
 #include "OB_Daemon/src/logging.h"
+#include "common_sources/mnu/mnu_format.h"
 
 namespace {
 
 constexpr char kLogClass[] = "MNUParser";
-
-constexpr std::string_view kModes[] = {
-    "Sketcher",    "Part",   "Sheet_Metal",  "Composite", "Scan_Model", "Assembly", "Drawing", "Manufacture",
-    "Mold",        "Cast",   "Dieface",      "Layout",    "Format",     "Report",   "Markup",  "Diagram",
-    "Interchange", "Legacy", "User_Defined", "Verify",    "Process",    "Nc_Model", "Default",
-};
 
 struct Entry {
     std::string_view key;
     std::string_view value;
 };
 
-constexpr std::string_view kMenuValue = "{}";
-constexpr Entry kOwnMenu = {"0Orbikon", kMenuValue};
+constexpr Entry kOwnMenu = {"0Orbikon", mnu_format::kNoPlacement};
 constexpr Entry kOwnItems[] = {
     {"1Toggle Scroll Mode",
      "{}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's cap on and off."},
@@ -49,6 +43,7 @@ constexpr Entry kSubstitutions[] = {
     {"ProCmdViewNoHidden", "ProCmdEnvMdlDisp*No hidden"},
 };
 
+constexpr char kCommandEnds[] = {mnu_format::kComment, mnu_format::kCommandEnd, '\0'};
 constexpr std::size_t kKeyGap = 5;           // blanks behind the longest label
 constexpr std::size_t kMaxLabelSize = 1000;  // every line is as wide as the longest label
 
@@ -120,31 +115,34 @@ class MenuFileWriter {
     MenuFileWriter(std::ostream& out, std::size_t keyWidth) : mOut(out), mKeyWidth(keyWidth) {}
 
     void writeModes() {
-        mOut << "# PTC Creo menubar file\n \n[Modes]\n";
+        mOut << mnu_format::kFirstLine << "\n";
+        writeSection(mnu_format::kModesSection);
         int number = 0;
-        for (const std::string_view mode : kModes) writeEntry(mode, std::to_string(++number));
+        for (const std::string_view mode : mnu_format::kModes) writeEntry(mode, std::to_string(++number));
     }
 
     void writeOwnMenu(bool isGerman) {
-        mOut << " \n[MenuBar]\n";
+        writeSection(mnu_format::kMenuBarSection);
         writeEntry(kOwnMenu.key, kOwnMenu.value);
         for (const Entry& item : isGerman ? kOwnGermanItems : kOwnItems) writeEntry(item.key, item.value);
     }
 
-    void writeMenuKey(std::string_view key) { writeEntry(key, kMenuValue); }
+    void writeMenuKey(std::string_view key) { writeEntry(key, mnu_format::kNoPlacement); }
 
     void writeCommand(const CommandRecord& record) {
-        std::string value(kMenuValue);
-        value.append(writtenCommand(record.command)).append("|").append(record.helpText);
+        std::string value(mnu_format::kNoPlacement);
+        value.append(writtenCommand(record.command)).append(1, mnu_format::kCommandEnd).append(record.helpText);
         writeEntry(record.label, value);
     }
 
     void writeEnd() { mOut << ' '; }
 
   private:
+    void writeSection(std::string_view name) { mOut << " \n[" << name << "]\n"; }
+
     void writeEntry(std::string_view key, std::string_view value) {
         const std::size_t blanks = key.size() < mKeyWidth ? mKeyWidth - key.size() : 0;
-        mOut << key << std::string(blanks, ' ') << "= " << value << '\n';
+        mOut << key << std::string(blanks, ' ') << mnu_format::kKeyEnd << value << '\n';
     }
 
     std::ostream& mOut;
@@ -157,12 +155,12 @@ const char* unreadableReason(const CommandRecord& record) {
     const std::string& label = record.label;
     const auto first = label.find_first_not_of(' ');
     if (first == label.npos) return "its label is blank";
-    if (label[first] == '#') return "its label would be read as a comment";
-    if (label[first] == '[') return "its label would be read as a section";
-    if (label.find('=') != label.npos) return "its label holds a '='";
+    if (label[first] == mnu_format::kComment) return "its label would be read as a comment";
+    if (label[first] == mnu_format::kSectionBegin) return "its label would be read as a section";
+    if (label.find(mnu_format::kKeyEndMark) != label.npos) return "its label holds a '='";
     if (std::ranges::any_of(label, isControl)) return "its label holds a control character";
     if (label.size() > kMaxLabelSize) return "its label is too long";
-    if (record.command.find_first_of("#|") != std::string::npos) return "its name holds a '#' or '|'";
+    if (record.command.find_first_of(kCommandEnds) != std::string::npos) return "its name holds a '#' or '|'";
     if (std::ranges::any_of(record.command, isControl)) return "its name holds a control character";
     if (std::ranges::any_of(record.helpText, isControlOtherThanTab)) return "its help text holds a control character";
     return nullptr;

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "common_sources/mnu_menus.h"
+#include "common_sources/mnu/mnu_menus.h"
 
 // Why the menu file's readers could not read a command's line back, so that it would be lost or would shift or cut
 // the table of commands; null when they can.
