@@ -1,4 +1,4 @@
-#include "workbench/host/history.h"
+#include "workbench/host/model/history.h"
 
 #include <gtest/gtest.h>
 

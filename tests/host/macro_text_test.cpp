@@ -1,9 +1,9 @@
-#include "workbench/host/macro_text.h"
+#include "workbench/host/commands/macro_text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "workbench/host/key_sequence.h"
+#include "workbench/host/commands/key_sequence.h"
 
 namespace workbench {
 namespace {

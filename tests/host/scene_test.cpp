@@ -1,11 +1,11 @@
-#include "workbench/host/scene.h"
+#include "workbench/host/model/scene.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
 
-#include "workbench/host/selection_arrays.h"
-#include "workbench/host/view.h"
+#include "workbench/host/model/view.h"
+#include "workbench/host/toolkit/selection_arrays.h"
 
 namespace workbench {
 namespace {

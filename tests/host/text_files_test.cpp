@@ -1,4 +1,4 @@
-#include "workbench/host/text_files.h"
+#include "workbench/host/toolkit/text_files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "workbench/host/view.h"
+#include "workbench/host/model/view.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// The workbench's host: stands in for the CAD application. See control.h for how it is steered from outside.
+// The workbench's host: stands in for the CAD application. See control/control.h for how it is steered from outside.
 //
 // Exit codes: 0 ended as asked, 2 command line not understood, 3 no plug-in could be started (--require-plugin),
 // 4 the windows or the control pipe could not be made, 70 crashed.
@@ -11,19 +11,22 @@
 #include <optional>
 #include <thread>
 
-#include "workbench/host/commands.h"
-#include "workbench/host/control.h"
-#include "workbench/host/crash_guard.h"
-#include "workbench/host/device_support.h"
-#include "workbench/host/frame.h"
-#include "workbench/host/host_state.h"
-#include "workbench/host/interactive.h"
-#include "workbench/host/macro_runner.h"
-#include "workbench/host/options.h"
-#include "workbench/host/plugin_call.h"
-#include "workbench/host/plugins.h"
-#include "workbench/host/text_files.h"
-#include "workbench/host/ui_loop.h"
+#include "workbench/host/commands/builtin_commands.h"
+#include "workbench/host/commands/commands.h"
+#include "workbench/host/commands/macro_runner.h"
+#include "workbench/host/control/control.h"
+#include "workbench/host/control/crash_guard.h"
+#include "workbench/host/control/device_support.h"
+#include "workbench/host/control/interactive.h"
+#include "workbench/host/control/options.h"
+#include "workbench/host/model/host_state.h"
+#include "workbench/host/model/text.h"
+#include "workbench/host/toolkit/notifications.h"
+#include "workbench/host/toolkit/plugin_call.h"
+#include "workbench/host/toolkit/plugins.h"
+#include "workbench/host/toolkit/timer_procs.h"
+#include "workbench/host/windows/frame.h"
+#include "workbench/host/windows/ui_loop.h"
 
 using namespace workbench;
 
@@ -106,11 +109,24 @@ void addProgramCommands(bool isInteractive) {
     });
 }
 
+// Each room knows those below it alone; what it needs of one above is handed in.
+void connectRooms() {
+    setMacroWaker([] { postToUi(runQueuedMacros); });
+    setCharacterHandler(typeMapkeyCharacter);
+    setTimerFilter(dispatchTimerOnOffsetStack);
+    addBuiltinCommands({[] { frame().redrawGraphics(); },
+                        [] {
+                            frame().showTree(!frame().isTreeShown());
+                            return frame().isTreeShown();
+                        },
+                        [] { frame().showAccessory(); }, notifyModelOpened});
+}
+
 int run(const Options& options) {
     guardAgainstCrashes();
     openUiLoop();
     setMisalignment(options.misaligns);
-    addBuiltinCommands();
+    connectRooms();
     addProgramCommands(options.isInteractive);
     frame().create();
     if (!options.isHidden) frame().show();

@@ -1,0 +1,48 @@
+#include "workbench/host/control/options.h"
+
+#include <charconv>
+
+namespace workbench {
+namespace {
+
+struct Flag {
+    const char* name;
+    bool Options::*field;
+    bool value;
+};
+constexpr Flag FLAGS[] = {
+    {"--no-plugin", &Options::loadsPlugin, false},    {"--require-plugin", &Options::requiresPlugin, true},
+    {"--interactive", &Options::isInteractive, true}, {"--hidden", &Options::isHidden, true},
+    {"--misalign", &Options::misaligns, true},
+};
+
+bool setFlag(Options& options, const std::string& argument) {
+    for (const Flag& flag : FLAGS) {
+        if (argument != flag.name) continue;
+        options.*flag.field = flag.value;
+        return true;
+    }
+    return false;
+}
+
+bool readNumber(const std::string& text, unsigned long& number) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc{} && end == text.data() + text.size();
+}
+
+}  // namespace
+
+Options parseOptions(const std::vector<std::string>& arguments) {
+    Options options;
+    for (std::size_t i = 0; i < arguments.size() && options.error.empty(); ++i) {
+        if (setFlag(options, arguments[i])) continue;
+        if (arguments[i] != "--parent") {
+            options.error = "unknown option " + arguments[i];
+        } else if (++i == arguments.size() || !readNumber(arguments[i], options.parent)) {
+            options.error = "--parent needs a process id";
+        }
+    }
+    return options;
+}
+
+}  // namespace workbench
