@@ -26,8 +26,8 @@ TEST_F(AddIn, LifeFromStartToEnd) {
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(user_initialize(), 0);  // a second start changes nothing
     EXPECT_EQ(gAddin, first);
-    EXPECT_EQ(first->handOver.applFunction, -1);
-    EXPECT_EQ(first->handOver.specialEvent, 0);
+    EXPECT_EQ(first->handOver->applFunction, -1);
+    EXPECT_EQ(first->handOver->specialEvent, 0);
     // The watchdog's first check comes at once.
     ASSERT_TRUE(driver().waitForCalls(Operation::getDevNum, 2));
     EXPECT_THAT(newLog(), ElementsAre("CRT Constructing ...",  // the add-in's second one; the first comes too early

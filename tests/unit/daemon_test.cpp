@@ -38,7 +38,7 @@ class Daemon : public PlugIn {
         creo().checkMode(false);
     }
     std::array<int, 6> axes() const {
-        const HandOver::Motion& m = addin->handOver.motion;
+        const HandOver::Motion& m = handOver().motion;
         return {m.tx, m.ty, m.tz, m.rx, m.ry, m.rz};
     }
 };
