@@ -5,13 +5,13 @@
 #include <thread>
 #include <utility>
 
-#include "OB_Daemon/src/logging.h"
+#include "common_sources/edge.h"
 
 namespace {
 
 constexpr char kLogClass[] = "DriverThread";
 
-constexpr std::chrono::milliseconds kPoll{5};
+constexpr std::chrono::milliseconds kPoll{2};
 constexpr int kNoAnswer = -1;
 
 }  // namespace
@@ -37,7 +37,7 @@ bool DriverThread::start(std::function<void()> body) {
 
 void* DriverThread::entry(void* run) {
     const std::unique_ptr<std::shared_ptr<Run>> own(static_cast<std::shared_ptr<Run>*>(run));
-    (*own)->body();
+    atEdge({kLogClass, "entry"}, (*own)->body);
     (*own)->body = nullptr;
     (*own)->isRunning = false;
     return nullptr;

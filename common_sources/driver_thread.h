@@ -11,8 +11,8 @@
 // Never joined. Creo's thread.
 class DriverThread {
   public:
-    // Runs the body on a thread of its own. The body does not throw, and it owns, alone or with others, all that it
-    // uses: it may outlive everybody. False when the system refuses.
+    // Runs the body on a thread of its own. The body owns, alone or with others, all that it uses: it may outlive
+    // everybody. False when the system refuses.
     bool start(std::function<void()> body);
 
     // Lets the thread's handle go by itself; start() was successful.

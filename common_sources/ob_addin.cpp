@@ -20,7 +20,7 @@ namespace {
 
 constexpr char kLogClass[] = "CObAddin";
 
-constexpr std::chrono::milliseconds kWatchdogNap{20};  // so soon it sees the end
+constexpr std::chrono::milliseconds kWatchdogNap{50};  // so soon it sees the end
 
 constexpr char kDriverLogFile[] = "Creo_plugin_dll_log.txt";
 constexpr int kDriverLogSizeKb = 500;

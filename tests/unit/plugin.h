@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -31,9 +32,14 @@ class PlugIn : public testing::Test {
         substitute::windows() = {};
         substitute::progress().starts = substitute::progress().stops = 0;
         substitute::progress().last = -1.0;
+        CObAddin::watchdogPause = std::chrono::milliseconds(5);
     }
     ~PlugIn() override {
         stop();
+        CObAddin::watchdogPause = mRealPause;
+        DriverThread::patience = mRealPatience;
+        driver().reset();  // whoever hangs in it comes back
+        EXPECT_TRUE(waitUntil([] { return substitute::threads() == 0; }));
         gLogging.init(LoggingParameters());
         // A statement inside a lambda names the method around it.
         const std::string written = textOf(productFolder() + kPathSeparator + "plug.log");
@@ -113,6 +119,8 @@ class PlugIn : public testing::Test {
         motion.store({tx, ty, tz, rx, ry, rz}, motion.losses);
     }
 
+    const std::chrono::milliseconds mRealPause = CObAddin::watchdogPause;
+    const std::chrono::milliseconds mRealPatience = DriverThread::patience;
     ScratchFolder profile;
     CObAddin* addin = nullptr;  // as long as it was started by start() and not ended
 
