@@ -45,9 +45,7 @@ void CreoProxy::readMenuFile(const std::string& path) {
         return;
     }
     MenuFileContent content = readMenuFileContent(file);
-    auto modeNames = std::make_unique<const Names>(std::move(content.modeNames));
+    mHandOver.publishModeNames(std::move(content.modeNames));
     mMenuFunctions = std::move(content.commands);
-    mAllModeNames.push_back(std::move(modeNames));
-    mHandOver.modeNames.store(mAllModeNames.back().get(), std::memory_order_release);
     OB_LOG(LogLevel::TRC) << "Menu file '" << path << "' with " << mMenuFunctions.size() << " entries loaded.";
 }

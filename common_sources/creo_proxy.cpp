@@ -5,6 +5,7 @@
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/edge.h"
 #include "common_sources/hand_over.h"
+#include "common_sources/life_cycle.h"
 #include "common_sources/settings.h"
 #include "toolkit/pro_toolkit.h"
 
@@ -21,9 +22,9 @@ char kMoveLabel[] = "Toggle Move Mode";
 char kScrollLabel[] = "Toggle Scroll Mode";
 wchar_t kMessageFile[] = L"Orbikon.txt";
 
-// The object that callbacks reach. The pointer stays when the object is gone; the flag says whether it may be used.
+// What callbacks reach, which carry no user data: the object, and whether it may be used.
 CreoProxy* instance = nullptr;
-bool isInstanceAlive = false;
+LifeCycle* lifeCycleOfInstance = nullptr;
 
 void logFailure(const char* function, ProError err) {
     if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in " << function << "()! err=" << err;
@@ -117,44 +118,49 @@ constexpr std::array<Notification, 5> kNotifications{{
 
 }  // namespace
 
-CreoProxy::Visit::Visit() : mProxy(isInstanceAlive ? instance : nullptr) {
-    if (mProxy != nullptr) ++mProxy->mVisits;
-}
+CreoProxy::Visit::Visit() : mProxy(instance != nullptr && lifeCycleOfInstance->enter() ? instance : nullptr) {}
 
 CreoProxy::Visit::~Visit() {
-    if (mProxy != nullptr && --mProxy->mVisits == 0 && mProxy->mIsEndPutOff) mProxy->mEndPlugIn();
+    if (mProxy != nullptr) lifeCycleOfInstance->leave();
 }
 
-bool CreoProxy::putOffEnd() {
-    if (!isInstanceAlive || instance->mVisits == 0) return false;
-    instance->mHandOver.isEnding = true;
-    return instance->mIsEndPutOff = true;
-}
-
-CreoProxy::CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, void (*endPlugIn)())
-    : mSettings(settings), mHandOver(handOver), mLegacyCom1(legacyCom1), mEndPlugIn(endPlugIn) {
+CreoProxy::CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, LifeCycle& lifeCycle)
+    : mSettings(settings), mHandOver(handOver), mLegacyCom1(legacyCom1) {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
     instance = this;
-    isInstanceAlive = true;
-    discoverWindows();
-    registerCommands();
-    for (const auto& [type, handler, isUnset] : kNotifications) {
-        logFailure("ProNotificationSet", ProNotificationSet(type, handler));
+    lifeCycleOfInstance = &lifeCycle;
+    try {
+        discoverWindows();
+        registerAll();
+        if (mSettings.mUseMapkeyForCommands) defineMapkey();
+    } catch (...) {
+        unregister();
+        throw;
     }
-    if (mSettings.mUseMapkeyForCommands) defineMapkey();
     OB_LOG(LogLevel::CRT) << "CreoProxy constructed.";
 }
 
 CreoProxy::~CreoProxy() {
     OB_LOG(LogLevel::CRT) << "Destructing ...";
+    unregister();
+    OB_LOG(LogLevel::CRT) << "Destructed.";
+}
+
+void CreoProxy::registerAll() {
+    registerCommands();
+    for (const auto& [type, handler, isUnset] : kNotifications) {
+        logFailure("ProNotificationSet", ProNotificationSet(type, handler));
+    }
+}
+
+void CreoProxy::unregister() {
     for (const auto& [type, handler, isUnset] : kNotifications) {
         if (isUnset) logFailure("ProNotificationUnset", ProNotificationUnset(type));
     }
     mHandOver.isEnding = true;
     killTimer();
     endGeneration();
-    isInstanceAlive = false;
-    OB_LOG(LogLevel::CRT) << "Destructed.";
+    instance = nullptr;
 }
 
 void CreoProxy::registerCommands() {

@@ -22,6 +22,7 @@ using WindowHandle = HWND__*;
 
 struct HandOver;
 class LegacyCom1;
+class LifeCycle;
 class Settings;
 
 // Created once per user_initialize, destroyed by user_terminate. Everything runs on Creo's user-interface thread; what
@@ -32,15 +33,15 @@ class CreoProxy {
     static constexpr std::int32_t kAssemblyMode = 5;
 
     // Finds Creo's windows, arms the timer, registers menu, commands and notifications and, where the settings ask
-    // for it, the mapkey. What Creo refuses is logged and gone without. `endPlugIn` is called, as the last thing in a
-    // callback, for an end that was put off until then. What is handed in outlives this object.
-    CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, void (*endPlugIn)());
+    // for it, the mapkey. What Creo refuses is logged and gone without. What is handed in outlives this object, and
+    // `lifeCycle` the process's last callback.
+    CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, LifeCycle& lifeCycle);
     ~CreoProxy();
     CreoProxy(const CreoProxy&) = delete;
     CreoProxy& operator=(const CreoProxy&) = delete;
 
     // The one object for the time of a callback that carries no user data; empty while there is none that may be
-    // used. An end that comes meanwhile (a toolkit call may dispatch messages) is put off until the last one is over.
+    // used. An end that comes meanwhile is put off until the last visit is over.
     class Visit {
       public:
         Visit();
@@ -54,8 +55,6 @@ class CreoProxy {
       private:
         CreoProxy* mProxy;
     };
-    // For whoever ends the plug-in: false when no visit is going on and the end may come at once.
-    static bool putOffEnd();
 
     // --- Mode ---
     // Asks Creo for its mode, stores and answers it. `fromAccessCheck`: the check comes from a command's access
@@ -106,7 +105,9 @@ class CreoProxy {
     enum class Generation { running, succeeded, failed };
     using Names = std::vector<std::string>;
 
+    void registerAll();
     void registerCommands();
+    void unregister();
     void discoverWindows();
     void killTimer();
     void runPendingCommands();
@@ -124,12 +125,8 @@ class CreoProxy {
     Settings& mSettings;
     HandOver& mHandOver;
     LegacyCom1& mLegacyCom1;
-    void (*mEndPlugIn)();
-    std::vector<std::unique_ptr<const Names>> mAllModeNames;  // all that were handed over, for as long as this object
-    Names mMenuFunctions;                                     // command strings by function index
+    Names mMenuFunctions;  // command strings by function index
     bool mIsInTick = false;
-    int mVisits = 0;  // going on now, one inside the other
-    bool mIsEndPutOff = false;
     bool mIsComponentMoveOn = false;
     bool mIsMapkeyUsed = false;
     std::int32_t mLastSeenWindow = -1;

@@ -1,6 +1,11 @@
 #include "common_sources/legacy_com1.h"
 
+#include <chrono>
+#include <thread>
+
 #include "OB_Daemon/src/logging.h"
+#include "common_sources/driver_thread.h"
+#include "common_sources/hand_over.h"
 #include "driver/obk_ctrlr.h"
 
 namespace {
@@ -8,11 +13,27 @@ namespace {
 constexpr char kLogClass[] = "LegacyCom1";
 
 constexpr std::int32_t kOn = 1;
+constexpr std::chrono::seconds kLastTries{1};
+constexpr std::chrono::milliseconds kPauseBetweenTries{200};
+
+int switchOn() {
+    std::int32_t on = kOn;
+    return obSetOption(kOptionLegacyCom1, &on);
+}
 
 }  // namespace
 
 bool LegacyCom1::stopLegacyCom1() {
+    forgetLostDaemon();
     if (mSavedLegacyCom1 != kNothingSaved) return false;
+    const bool isChanged = switchOff();
+    // Looked at after the calls: a loss during them then costs at most one switch. A value of the new daemon that was
+    // taken for the old one's would be forgotten, and the channel stay off.
+    mLosses = mHandOver.motion.losses;
+    return isChanged;
+}
+
+bool LegacyCom1::switchOff() {
     std::int32_t value = 0;
     if (obGetOption(kOptionLegacyCom1, &value) != 0) return false;
     mSavedLegacyCom1 = value;
@@ -24,18 +45,37 @@ bool LegacyCom1::stopLegacyCom1() {
     return false;
 }
 
-bool LegacyCom1::resetLegacyCom1() {
+bool LegacyCom1::resetLegacyCom1() { return reset(&switchOn); }
+
+bool LegacyCom1::reset(int (*call)()) {
+    forgetLostDaemon();
     if (mSavedLegacyCom1 < 0) return false;
     if (mSavedLegacyCom1 != kOn) {
         mSavedLegacyCom1 = kNothingSaved;
         return true;
     }
-    OB_LOG(LogLevel::DBG) << "Switch LegacyCOM1 on again";
-    std::int32_t on = kOn;
-    if (obSetOption(kOptionLegacyCom1, &on) != 0) {
-        OB_LOG(LogLevel::ERR) << "Cannot switch LegacyCOM1 on again!";
+    OB_LOG_IN(LogLevel::DBG, "resetLegacyCom1") << "Switch LegacyCOM1 on again";
+    if (call() != 0) {
+        OB_LOG_IN(LogLevel::ERR, "resetLegacyCom1") << "Cannot switch LegacyCOM1 on again!";
         return false;
     }
     mSavedLegacyCom1 = kNothingSaved;
     return true;
+}
+
+void LegacyCom1::giveBack() {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + kLastTries;
+    for (;;) {
+        reset([] { return callPatiently("obSetOption", &switchOn); });
+        if (mSavedLegacyCom1 < 0) return;
+        if (Clock::now() + kPauseBetweenTries > end) break;
+        std::this_thread::sleep_for(kPauseBetweenTries);
+    }
+    OB_LOG(LogLevel::ERR) << "LegacyCOM1 stays off: Creo's own device support gets no motion until the device's "
+                             "daemon is started anew!";
+}
+
+void LegacyCom1::forgetLostDaemon() {
+    if (mHandOver.isConnected && mHandOver.motion.losses != mLosses) mSavedLegacyCom1 = kNothingSaved;
 }

@@ -20,6 +20,7 @@ constexpr int kNotBound = -1;
 constexpr DWORD kFailedReadPauseMs = 10;  // keeps a reading loop without a pause of its own from burning a core
 
 std::atomic<HMODULE> library{nullptr};
+std::atomic<bool> hasLastReadFailed{false};
 
 HMODULE ownModule() {
     HMODULE module = nullptr;
@@ -88,10 +89,12 @@ int obDisconnect() { return call(&obDisconnect, ObOrdinal::disconnect); }
 int obReadDeviceData(int device, std::int16_t* tx, std::int16_t* ty, std::int16_t* tz, std::int16_t* rx,
                      std::int16_t* ry, std::int16_t* rz, std::int32_t* unused1, std::int32_t* unused2,
                      std::int32_t* event, std::int32_t* extra1, std::int32_t* extra2) {
+    // Before the next read, so that an event that came with the failure is not held up.
+    if (hasLastReadFailed) Sleep(kFailedReadPauseMs);
     *event = -1;
     const int status = call(&obReadDeviceData, ObOrdinal::readDeviceData, device, tx, ty, tz, rx, ry, rz, unused1,
                             unused2, event, extra1, extra2);
-    if (status != 0 && *event < 0) Sleep(kFailedReadPauseMs);
+    hasLastReadFailed = status != 0;
     return status;
 }
 

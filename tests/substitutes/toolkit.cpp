@@ -50,7 +50,7 @@ ProError Toolkit::enter(std::string_view name) {
     if (found == mFunctions.end()) found = mFunctions.emplace(name, Function{}).first;
     Function& function = found->second;
     ++function.calls;
-    if (function.action) function.action();
+    if (const auto action = function.action) action();  // which may set another
     return function.error;
 }
 

@@ -47,5 +47,6 @@ Progress& progress();
 // Makes the plug-in's next calls of pthread_create succeed that often and fail from then on; negative = no limit.
 // Threads of the test itself count, too.
 void allowThreads(int count);
+int threads();  // running now
 
 }  // namespace substitute
