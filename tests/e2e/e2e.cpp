@@ -109,17 +109,18 @@ void Bench::push(int tx, int ty, int tz, int rx, int ry, int rz) {
     daemon(command);
 }
 
+void Bench::awaitTick() {
+    const auto await = [](const std::function<int()>& count, const char* what) {
+        const int wanted = count() + 2;  // the one that goes on now may have begun too early
+        if (!waitFor([&] { return count() >= wanted; })) throw std::runtime_error(what);
+    };
+    await([&] { return std::stoi(daemonStatus("reads")); }, "the plug-in does not read the device");
+    await([&] { return std::stoi(host("calls ProModeCurrentGet").at(0)); }, "the plug-in's timer does not tick");
+}
+
 void Bench::release() {
     push(0, 0, 0, 0, 0, 0);
-    std::vector<std::string> last;
-    waitFor([&] {
-        std::vector<std::string> now = host("positions");
-        now.push_back(host("view").at(0));
-        const bool isAtRest = now == last;
-        last = std::move(now);
-        if (!isAtRest) Sleep(150);  // longer than the plug-in's slow timer
-        return isAtRest;
-    });
+    awaitTick();
 }
 
 void Bench::openAssemblyForMoving() {

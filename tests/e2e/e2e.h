@@ -54,7 +54,10 @@ class Bench : public Workbench {
     std::array<Vector, 3> screenAxes();          // screen right, up and towards the viewer, in model coordinates
     std::string status(const std::string& key);  // of the host
     void push(int tx, int ty, int tz, int rx, int ry, int rz);
-    // Releases the cap and waits until components and view rest.
+    // Waits until the plug-in has read what the cap does now, and a whole tick has acted on it. For a plug-in that runs
+    // with readMode on.
+    void awaitTick();
+    // Releases the cap and waits until the plug-in has seen it.
     void release();
     // Switches the mode and component move mode by the plug-in's menu.
     void openAssemblyForMoving();

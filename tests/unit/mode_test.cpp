@@ -132,15 +132,26 @@ TEST_F(Mode, RegistrationsReachTheHostInOrder) {
     EXPECT_TRUE(toolkit().chkbuttonStates.empty());
 }
 
+// A command that the host refused gets no menu item. (The fixture looks for null handles.)
 TEST_F(Mode, RefusedRegistrationsAreLoggedAndGoneWithout) {
     for (const char* function : {"ProCmdOptionAdd", "ProCmdDesignate", "ProMenubarMenuAdd",
-                                 "ProMenubarmenuChkbuttonAdd", "ProNotificationSet"}) {
-        toolkit().reset();
-        toolkit().fail(function, -2);
-        start();
-        EXPECT_THAT(newLog(), Contains("ERR Error in " + std::string(function) + "()! err=-2"));
-        stop();
-        newLog();
+                                 "ProMenubarmenuChkbuttonAdd", "ProNotificationSet", "ProNotificationUnset"}) {
+        for (const auto& [from, count] : {std::pair{1, 1}, {2, 1}, {1, -1}}) {
+            toolkit().trace.clear();
+            toolkit().fail(function, -2, from, count);
+            start();
+            const std::string trace = testing::PrintToString(toolkit().trace);
+            EXPECT_EQ(trace.find("none"), std::string::npos) << trace;
+            if (function == std::string("ProCmdOptionAdd") && count == 1) {
+                EXPECT_THAT(trace, testing::HasSubstr(from == 1 ? "Designate Orbikon_ToggleScrollMode"
+                                                                : "Designate Orbikon_ToggleMoveMode"));
+            }
+            stop();
+            const bool isCalledOnce = function == std::string("ProMenubarMenuAdd");
+            EXPECT_THAT(newLog(), Contains("ERR Error in " + std::string(function) + "()! err=-2")
+                                      .Times(isCalledOnce && from == 2 ? 0 : 1));
+            toolkit().fail(function, 0);
+        }
     }
 }
 
@@ -170,6 +181,8 @@ TEST_F(Mode, Toggles) {
         EXPECT_EQ(scroll.access(0), 3) << mode;
     }
     EXPECT_EQ(substitute::windows().checks, 12);
+    // Every callback sees to the timer first.
+    EXPECT_EQ(substitute::windows().timersEnsured, static_cast<int>(2 * std::size(cases)) + 12);
 }
 
 }  // namespace

@@ -47,8 +47,8 @@ class PlugIn : public testing::Test {
             EXPECT_EQ(written.find(std::string(className) + "::operator()"), std::string::npos);
         }
         EXPECT_EQ(toolkit().selectionArrays, 0);
-        EXPECT_EQ(toolkit().badFrees, 0);
-        EXPECT_EQ(toolkit().foreignCalls, 0);
+        EXPECT_FALSE(toolkit().isDynamic);
+        EXPECT_THAT(toolkit().faults, testing::IsEmpty());
     }
 
     // Creates the add-in with everything logged; `program` are the lines of section PROGRAM.
