@@ -141,7 +141,7 @@ TEST(Mapkey, RefusedDefinitionFallsBackToMacros) {
     Bench bench(Keys{{"useMapkeyForCommands", "on"}, {"mapkeyDefinition", "F5"}}, kCommands);
     EXPECT_EQ(bench.host("trail").at(0).substr(0, 2), "5 ");
     bench.host("plugin unload");
-    bench.host("fail ProConfigoptSet -1");
+    bench.host("fail ProConfigoptSet always");
     bench.host("plugin load");
     bench.expectLog("Cannot set Mapkey (5)! => Normal Methode");
     bench.daemon(event(kFirstCommand));

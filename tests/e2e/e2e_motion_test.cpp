@@ -210,14 +210,14 @@ TEST(Motion, FailingToolkit) {
           "ProAsmcompRegenerate", "ProAssemblyDynPosSet", "ProWindowCurrentGet", "ProWindowRefresh",
           "ProSelectionarrayFree", "ProModeCurrentGet", "ProSectionIsActive"}) {
         const std::string name(function);
-        bench.host("fail " + name + " -1");
+        bench.host("fail " + name + " always");
         const int calls = std::stoi(bench.host("calls " + name).at(0));
         EXPECT_TRUE(waitFor([&] { return std::stoi(bench.host("calls " + name).at(0)) >= calls + 2; }, 5000) ||
                     name == "ProFeatureInit")
             << name << " was not called while it failed";
         const Pose frame = bench.positions().at(kShaft);
         EXPECT_TRUE(isOrthonormal(frame, 1e-9)) << name;
-        bench.host("fail " + name + " -1 0");
+        bench.host("fail " + name + " never");
     }
     const Pose before = bench.positions().at(kShaft);
     EXPECT_TRUE(waitFor([&] { return length(bench.positions().at(kShaft).origin - before.origin) > 1.0; }))

@@ -1,4 +1,5 @@
 // The monkey as a program; ./soak runs it. Exit codes: 0 all held, 1 not, 2 command line not understood.
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <stdexcept>
@@ -13,11 +14,13 @@ namespace {
 constexpr int kExitBroken = 1;
 constexpr int kExitUsage = 2;
 constexpr std::string_view kUsage =
-    "usage: monkey [--seed N] [--actions N] [--minutes N] [--hidden]\n"
+    "usage: monkey [--seed N] [--actions N] [--minutes N] [--hidden] [--from N] [--without TEXT]...\n"
     "  --seed N     the first round's seed (1); the same seed gives the same actions\n"
     "  --actions N  actions of a round (5000)\n"
     "  --minutes N  plays rounds with the seeds that follow until the time is over; otherwise one round\n"
-    "  --hidden     the host's windows are not shown\n";
+    "  --hidden     the host's windows are not shown\n"
+    "  --from N     leaves out the actions before the Nth\n"
+    "  --without TEXT  leaves out the actions that hold the text\n";
 
 workbench::MonkeyOptions parseOptions(int count, char** words) {
     workbench::MonkeyOptions options;
@@ -27,12 +30,18 @@ workbench::MonkeyOptions parseOptions(int count, char** words) {
             options.isHidden = true;
             continue;
         }
-        if (word != "--seed" && word != "--actions" && word != "--minutes") {
+        constexpr std::string_view kWithValue[] = {"--seed", "--actions", "--minutes", "--from", "--without"};
+        if (std::ranges::find(kWithValue, word) == std::end(kWithValue)) {
             throw std::runtime_error("unknown option " + std::string(word));
         }
-        if (++i == count) throw std::runtime_error(std::string(word) + " needs a number");
+        if (++i == count) throw std::runtime_error(std::string(word) + " needs a value");
+        if (word == "--without") {
+            options.without.emplace_back(words[i]);
+            continue;
+        }
         const long long number = workbench::parseNumber(words[i], 0, 1000000000);
         if (word == "--seed") options.seed = static_cast<std::uint32_t>(number);
+        if (word == "--from") options.from = static_cast<int>(number);
         if (word == "--actions") options.actions = static_cast<int>(number);
         if (word == "--minutes") options.minutes = static_cast<double>(number);
     }

@@ -162,6 +162,7 @@ bool Plugins::terminate() {
 void Plugins::unload() {
     for (Plugin& plugin : mPlugins) {
         terminate(plugin);
+        if (plugin.isInitialised) continue;  // started anew inside its end
         notifications().clear();
         if (plugin.module != nullptr) FreeLibrary(plugin.module);
         plugin.module = nullptr;
