@@ -98,6 +98,7 @@ CallFault Faults::enter(const std::string& name) {
     if (function.hanging.holds(call)) fault.hangMs = function.hangMs;
     if (function.pumping.holds(call)) fault.isPumping = true;
     if (function.failing.holds(call)) fault.code = function.code;
+    if (fault.code) ++mRefused;
     function.refusedInRow = fault.code ? function.refusedInRow + 1 : 0;
     return fault;
 }

@@ -44,6 +44,7 @@ class Faults {
     CallFault enter(const std::string& name);
 
     int callsOf(const std::string& name) const;
+    int refused() const { return mRefused; }  // calls that were made to fail, of all functions
     // How many calls in a row, up to the latest, were made to fail.
     int refusedInRow(const std::string& name) const;
     std::vector<std::string> names() const;  // of all functions called so far
@@ -81,6 +82,7 @@ class Faults {
 
     std::map<std::string, Function> mFunctions;
     int mQuiet = 0;
+    int mRefused = 0;
     int mPerMille = 0;
     std::mt19937 mRandom;
 };

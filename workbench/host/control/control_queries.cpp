@@ -69,6 +69,7 @@ void status(const Request&, Lines& lines) {
     addNumber("private_bytes", privateBytes());
     addNumber("ticks", timerTicks());
     add("plugin", plugins().state());
+    addNumber("start_disturbed", int{plugins().isStartDisturbed()});
     addNumber("misalign", int{isMisalignmentOn()});
     addNumber("mapkeys", keySequence().mapkeys().size());
     addNumber("macros_run", macros.queuedRun);

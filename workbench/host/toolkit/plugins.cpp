@@ -9,6 +9,7 @@
 #include "workbench/host/toolkit/notifications.h"
 #include "workbench/host/toolkit/plugin_call.h"
 #include "workbench/host/toolkit/system_calls.h"
+#include "workbench/host/toolkit/toolkit_call.h"
 #include "workbench/host/windows/frame.h"
 #include "workbench/host/windows/menu_bar.h"
 
@@ -116,7 +117,9 @@ bool Plugins::callInitialise(Plugin& plugin) {
     char name[] = "xtop.exe";
     char* arguments[] = {name, nullptr};
     plugin.isInitialised = true;
+    const int refused = toolkitCalls().faults().refused();
     const int result = callPlugin(entry, 1, arguments, versionText, buildText, errorText);
+    mIsStartDisturbed = toolkitCalls().faults().refused() != refused;
     errorText[ERROR_TEXT_LENGTH - 1] = L'\0';
     if (result != 0) {
         host().error("The application \"" + plugin.entry.name + "\" refused to start (" + std::to_string(result) +

@@ -25,6 +25,8 @@ class Plugins {
     bool initialise();  // user_initialize of those that are loaded
     void unload();      // terminates and frees all
 
+    // Whether a function was made to fail while one of them started: it may lack menus, threads or handlers since.
+    bool isStartDisturbed() const { return mIsStartDisturbed; }
     bool isAnyRegistered() const { return !mPlugins.empty(); }
     std::string state() const;                    // "none", "registered", "loaded", "initialised" (of the first)
     HMODULE moduleAt(const void* address) const;  // the plug-in that an address lies in, null for none
@@ -43,6 +45,7 @@ class Plugins {
     bool callTerminate(Plugin& plugin);
 
     std::vector<Plugin> mPlugins;
+    bool mIsStartDisturbed = false;
 };
 
 Plugins& plugins();
