@@ -5,8 +5,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "workbench/control/plugin_settings.h"
-
 namespace e2e {
 
 namespace {
@@ -23,19 +21,6 @@ std::string settingsText(const Keys& changes) {
                     {"mnuLanguage", "english"},
                     {"useMapkeyForCommands", "off"}});
     return workbench::settingsText(keys);
-}
-
-std::string menuText(const std::vector<std::string>& commands) {
-    std::string text = "# PTC Creo menubar file\n \n[Modes]\n";
-    int number = 0;
-    for (const char* mode : {"Sketcher", "Part", "Sheet_Metal", "Composite", "Scan_Model", "Assembly", "Drawing"}) {
-        text += std::string(mode) + "   = " + std::to_string(++number) + "\n";
-    }
-    text +=
-        " \n[MenuBar]\n0Orbikon   = {}\n1Toggle Scroll Mode   = {}OB_Toggle_Scroll_Mode|help\n"
-        "1Toggle Move Mode   = {+ 6}OB_Toggle_Object_Move_Mode|help\n0View   = {}\n";
-    for (const auto& command : commands) text += "Label of " + command + "   = {}" + command + "|help\n";
-    return text + " ";
 }
 
 workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile) {

@@ -42,7 +42,8 @@ void Toolkit::fail(std::string_view function, ProError err, int from, int count)
 }
 
 void Toolkit::onCall(std::string_view function, std::function<void()> action) {
-    mFunctions[std::string(function)].action = std::move(action);
+    mFunctions[std::string(function)].action =
+        action ? std::make_shared<std::function<void()>>(std::move(action)) : nullptr;
 }
 
 int Toolkit::calls(std::string_view function) const {
@@ -61,7 +62,7 @@ ProError Toolkit::enter(std::string_view name) {
     if (found == mFunctions.end()) found = mFunctions.emplace(name, Function{}).first;
     Function& function = found->second;
     ++function.calls;
-    if (const auto action = function.action) action();  // which may set another
+    if (const auto action = function.action) (*action)();
     if (function.skip > 0) {
         --function.skip;
         return PRO_TK_NO_ERROR;

@@ -6,6 +6,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -72,9 +73,9 @@ class Toolkit {
     struct Function {
         int calls = 0;
         ProError error = PRO_TK_NO_ERROR;
-        int skip = 0;   // calls that work before
-        int left = -1;  // calls that fail; negative: all
-        std::function<void()> action;
+        int skip = 0;                                   // calls that work before
+        int left = -1;                                  // calls that fail; negative: all
+        std::shared_ptr<std::function<void()>> action;  // shared: it may set another while it runs
     };
     std::map<std::string, Function, std::less<>> mFunctions;
     std::thread::id mThread;
