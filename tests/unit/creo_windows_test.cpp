@@ -18,6 +18,7 @@
 #include "common_sources/creo_proxy.h"
 #include "common_sources/hand_over.h"
 #include "common_sources/legacy_com1.h"
+#include "common_sources/life_cycle.h"
 #include "common_sources/settings.h"
 #include "tests/substitutes/driver.h"
 #include "tests/substitutes/system.h"
@@ -152,7 +153,8 @@ class CreoWindows : public testing::Test {
         EXPECT_THAT(toolkit().faults, IsEmpty());
     }
     void start() {
-        creo = std::make_unique<CreoProxy>(*settings, handOver, legacyCom1, [] {});
+        lifeCycle.initialise();
+        creo = std::make_unique<CreoProxy>(*settings, handOver, legacyCom1, lifeCycle);
     }
     std::string log() const { return textOf(profile.file("plug.log")); }
 
@@ -176,7 +178,8 @@ class CreoWindows : public testing::Test {
     ScratchFolder profile;
     std::unique_ptr<Settings> settings;
     HandOver handOver;
-    LegacyCom1 legacyCom1;
+    LegacyCom1 legacyCom1{handOver};
+    LifeCycle lifeCycle{{[] { return true; }, [] {}, [] {}, [] {}}};
     std::unique_ptr<CreoProxy> creo;
     std::array<HWND, 2> tops{};
     HWND inner = nullptr, graphics = nullptr;
@@ -236,7 +239,7 @@ TEST_F(CreoWindows, IntervalFollowsTheCap) {
     start();
     timersSet();
     for (const auto& [axis, interval] : {std::pair{11, kMoving}, {11, kMoving}, {10, kRest}, {0, kRest}}) {
-        handOver.motion.rz = static_cast<std::int16_t>(axis);
+        handOver.motion.rz.store(static_cast<std::int16_t>(axis), handOver.motion.losses);
         system().tick();
         EXPECT_THAT(timersKilled(), ElementsAre(timerOf(tops[0], 0)));
         EXPECT_THAT(timersSet(), ElementsAre(timerOf(tops[0], interval))) << axis;
