@@ -36,7 +36,8 @@ void Toolkit::reset() {
 void Toolkit::fail(std::string_view function, ProError err) { mFunctions[std::string(function)].error = err; }
 
 void Toolkit::onCall(std::string_view function, std::function<void()> action) {
-    mFunctions[std::string(function)].action = std::move(action);
+    mFunctions[std::string(function)].action =
+        action ? std::make_shared<const std::function<void()>>(std::move(action)) : nullptr;
 }
 
 int Toolkit::calls(std::string_view function) const {
@@ -50,7 +51,7 @@ ProError Toolkit::enter(std::string_view name) {
     if (found == mFunctions.end()) found = mFunctions.emplace(name, Function{}).first;
     Function& function = found->second;
     ++function.calls;
-    if (const auto action = function.action) action();  // which may set another
+    if (const auto action = function.action) (*action)();  // which may set another
     return function.error;
 }
 

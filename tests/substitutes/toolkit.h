@@ -6,6 +6,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -68,7 +69,7 @@ class Toolkit {
     struct Function {
         int calls = 0;
         ProError error = PRO_TK_NO_ERROR;
-        std::function<void()> action;
+        std::shared_ptr<const std::function<void()>> action;
     };
     std::map<std::string, Function, std::less<>> mFunctions;
     std::thread::id mThread;
