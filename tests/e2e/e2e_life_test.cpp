@@ -46,23 +46,52 @@ TEST(Start, CallbacksAfterTheEndAreHarmless) {
     EXPECT_EQ(bench.status("plugin"), "initialised");
 }
 
-// A toolkit call may dispatch messages, and with them the end of the plug-in in the middle of a tick.
+// A toolkit call may dispatch messages, and with them the end of the plug-in, and a new start, in the middle of a tick.
 TEST(Start, EndInsideATickWaitsForIt) {
     Bench bench;
-    for (const char* function : {"ProWindowRefresh", "ProModeCurrentGet", "ProVectorTrfEval"}) {
-        SCOPED_TRACE(function);
+    struct Case {
+        const char* function;
+        const char* request;
+        const char* state;
+    };
+    for (const auto& [function, request, state] : {Case{"ProWindowRefresh", "unload", "registered"},
+                                                   {"ProModeCurrentGet", "unload", "registered"},
+                                                   {"ProVectorTrfEval", "unload", "registered"},
+                                                   {"ProWindowRefresh", "reload 1", "initialised"}}) {
+        SCOPED_TRACE(std::string(function) + " " + request);
         bench.openAssemblyForMoving();
         bench.selectForMoving("41");
-        bench.host("during " + std::string(function) + " plugin unload");
+        bench.host("during " + std::string(function) + " plugin " + request);
         bench.push(100, 0, 0, 0, 0, 0);
-        EXPECT_TRUE(waitFor([&] { return bench.status("plugin") == "registered"; }));
-        EXPECT_EQ(bench.daemonStatus("clients"), "0");
-        EXPECT_EQ(bench.daemonStatus("legacy"), "1");
-        EXPECT_EQ(bench.status("outstanding_arrays"), "0");
+        bench.expectLog("Destructed.");
+        EXPECT_TRUE(waitFor([&] { return bench.status("plugin") == state; }));
         bench.push(0, 0, 0, 0, 0, 0);
-        bench.host("plugin load");
+        if (state == std::string("registered")) {
+            EXPECT_EQ(bench.daemonStatus("clients"), "0");
+            EXPECT_EQ(bench.daemonStatus("legacy"), "1");
+            bench.host("plugin load");
+        }
+        EXPECT_EQ(bench.status("outstanding_arrays"), "0");
         EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("application") == "xtopCreo"; }));
     }
+    bench.selectForMoving("41");  // it works
+}
+
+// Nothing goes on moving, and the next daemon's channel is taken and given back as the first one's.
+TEST(Daemon, ThatDiesWithTheCapDeflectedEndsTheMotion) {
+    Bench bench;
+    bench.openAssemblyForMoving();
+    bench.selectForMoving("41");
+    bench.push(100, 0, 0, 0, 0, 0);
+    bench.expectLog("Cap moving.");
+    bench.killDaemon();
+    bench.expectLog("Cap released.");
+    const auto atRest = bench.host("positions");
+    bench.startDaemon();
+    EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "0"; }));
+    EXPECT_EQ(bench.host("positions"), atRest);
+    bench.host("select none");
+    EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "1"; }));
 }
 
 TEST(Start, FirstStartWritesSettingsAndToleratesBadOnes) {

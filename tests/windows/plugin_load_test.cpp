@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <vector>
@@ -60,11 +61,8 @@ class PluginLoad : public ::testing::Test {
         mPath = programFolder() + "\\" + PLUGIN_FROM_TESTS;
         mProfile = programFolder() + "\\profile_" + std::to_string(GetCurrentProcessId());
         const std::string folder = mProfile + "\\OrbikonController\\Applications";
-        for (auto end = folder.find('\\', mProfile.size()); end != std::string::npos;
-             end = folder.find('\\', end + 1)) {
-            CreateDirectoryA(folder.substr(0, end).c_str(), nullptr);
-        }
-        CreateDirectoryA(folder.c_str(), nullptr);
+        std::filesystem::create_directories(folder);
+        std::ofstream(logFile()).flush();  // empty, whatever an earlier test or process has left
         // Everything is logged, so that the threads are inside the log as often as can be.
         std::ofstream(folder + "\\Creo_plugin.ini")
             << "[PROGRAM]\n\ttransSensBase = 40000\n\trotSensBase = 10000\n\tmaxContMoveTime = "
@@ -75,9 +73,10 @@ class PluginLoad : public ::testing::Test {
         _putenv_s("USERPROFILE", mProfile.c_str());
     }
 
+    std::string logFile() const { return mProfile + "\\OrbikonController\\log.txt"; }
     std::string log() const {
         std::ostringstream text;
-        text << std::ifstream(mProfile + "\\OrbikonController\\log.txt").rdbuf();
+        text << std::ifstream(logFile()).rdbuf();
         return text.str();
     }
 
@@ -141,6 +140,54 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
           "Error in obConnect()!", "obk_ctrlr_32.dll not found.", "user_initialize() called twice!"}) {
         EXPECT_TRUE(contents.find(text) != std::string::npos) << text;
     }
+}
+
+// Reads that fail are paced, also those that bring an event, and every event comes. One that does not come back is left
+// behind after ten seconds, and harms nobody when it comes after all.
+TEST_F(PluginLoad, StandsADriverInTrouble) {
+    constexpr int kReads = 20;
+    constexpr ULONGLONG kLeastPauseMs = 9;  // the system's clock ticks that coarsely
+    std::filesystem::copy_file(mPath, mProfile + "\\plugin.dll", std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(programFolder() + "\\troubled_driver.dll", mProfile + "\\obk_ctrlr_32.dll",
+                               std::filesystem::copy_options::overwrite_existing);
+    const HWND window =
+        CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    const HMODULE plugin = LoadLibraryA((mProfile + "\\plugin.dll").c_str());
+    ASSERT_NE(plugin, nullptr) << GetLastError();
+    EXPECT_EQ(find<int()>(plugin, "user_initialize")(), 0);
+    const HMODULE driver = GetModuleHandleA("obk_ctrlr_32.dll");
+    ASSERT_NE(driver, nullptr);
+    auto* reads = find<int()>(driver, "readsSoFar");
+    const auto waitFor = [&](int count) {  // as the host does, for the timer
+        const ULONGLONG end = GetTickCount64() + 60000;
+        for (MSG message; reads() < count && GetTickCount64() < end; Sleep(1)) {
+            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+        }
+        return reads() >= count;
+    };
+    ASSERT_TRUE(waitFor(1));
+    const ULONGLONG begin = GetTickCount64();
+    ASSERT_TRUE(waitFor(1 + kReads));
+    EXPECT_GE(GetTickCount64() - begin, (kReads - 1) * kLeastPauseMs);
+
+    find<void(bool)>(driver, "hangReads")(true);
+    const int last = reads();
+    const ULONGLONG beginOfEnd = GetTickCount64();
+    find<void()>(plugin, "user_terminate")();
+    EXPECT_GE(GetTickCount64() - beginOfEnd, 9900u);
+    const std::string contents = log();
+    for (int event = 0; event < last; ++event) {
+        EXPECT_NE(contents.find("event: " + std::to_string(event) + ","), std::string::npos);
+    }
+    EXPECT_NE(contents.find("The driver library does not come back: the reading thread is left behind!"),
+              std::string::npos);
+    const int threads = countThreads(GetCurrentProcessId());
+    find<void(bool)>(driver, "hangReads")(false);
+    for (int i = 0; i < 1000 && countThreads(GetCurrentProcessId()) == threads; ++i) Sleep(10);
+    EXPECT_LT(countThreads(GetCurrentProcessId()), threads);
+    EXPECT_EQ(log(), contents);
+    FreeLibrary(plugin);
+    DestroyWindow(window);
 }
 
 TEST_F(PluginLoad, ProcessEndsWithoutTerminate) {
