@@ -385,6 +385,7 @@ TEST_F(CreoWindows, SmallestOfOverlappingWindows) {
         {"those in front do not count", {small, large}, 1, 1},
         {"the same size", {large, same}, 0, 0},
         {"width times height", {large, flat}, 0, 1},
+        {"further right and down", {{0, 0, 100, 100}, {45, 45, 140, 140}}, 0, 1},
         {"hidden", {large, small}, 0, 1, true},
     };
     system().pointer = {50, 50};
@@ -402,7 +403,7 @@ TEST_F(CreoWindows, SmallestOfOverlappingWindows) {
         const HWND grandchild = make(kPlain, child, {5, 5, 18, 18});
         classify(siblings[c.start]);
         const bool hasWon = c.expected != c.start && !c.isHidden;
-        const bool isUnderPointer = c.siblings[c.expected].left == small.left;
+        const bool isUnderPointer = c.siblings[c.expected].left >= small.left;
         EXPECT_EQ(found, !hasWon ? siblings[c.start] : isUnderPointer ? grandchild : siblings[c.expected]);
         EXPECT_NE(found, other);
         DestroyWindow(parent);
