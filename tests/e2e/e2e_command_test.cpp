@@ -4,8 +4,7 @@
 namespace e2e {
 namespace {
 
-const std::vector<std::string> kCommands = {"ProCmdEnvMdlDisp*Wireframe", "ProCmdViewTop", "ProCmdEditUndo",
-                                            "ProCmdNobodyKnows"};
+const std::vector<std::string> kCommands = {"ProCmdEnvMdlDisp*Wireframe", "ProCmdViewTop", "ProCmdEditUndo"};
 constexpr int kFirstCommand = 0x20022;  // behind the two toggles
 
 std::string event(int code) { return "event " + std::to_string(code); }
@@ -56,16 +55,6 @@ TEST_P(Commands, ButtonChangesThePictureAndTheUndoStackIsKeptByTheMapkeyOnly) {
               "!trail file version No. 1500\n~ Command `ProCmdEditUndo`;\n!End of Trail File\n");
 }
 
-TEST_P(Commands, UnknownCommandAndTooBigIndex) {
-    bench.host("front main");
-    bench.daemon(event(kFirstCommand + 3));
-    EXPECT_TRUE(waitFor([&] { return bench.status("macros_failed") != "0"; })) << "Creo refuses, nothing breaks";
-    bench.daemon(event(kFirstCommand + 100));
-    bench.expectLog("menuFncIdx (102') too big (max. is 5)!");
-    bench.daemon(event(kFirstCommand));
-    EXPECT_TRUE(waitForStatus("style", "Wireframe"));
-}
-
 // Menu and buttons switch the same two states, and the host's check items show it.
 TEST_P(Commands, TogglesOfMenuAndButtonsAreTheSame) {
     bench.host("mode assembly");
@@ -98,40 +87,6 @@ TEST_P(Commands, ButtonsBoundPerMode) {
     bench.host("front main");
     bench.daemon("button 1");
     EXPECT_TRUE(waitForStatus("style", "Wireframe"));
-}
-
-TEST(Mapkey, NotWithCreoBehindAnotherWindowAndNotWithoutATrailFile) {
-    Bench bench(Keys{{"useMapkeyForCommands", "on"}}, kCommands);
-    // A folder where the trail file should be.
-    std::filesystem::create_directories(bench.temp() / "orbikon-trail.txt");
-    bench.host("front main");
-    bench.daemon(event(kFirstCommand));
-    bench.expectLog("Cannot write trail file '");
-    std::filesystem::remove(bench.temp() / "orbikon-trail.txt");
-
-    // Another program's window in front: dropped, and nothing is typed into it.
-    HWND other = CreateWindowExA(0, "EDIT", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 200, 100, nullptr, nullptr,
-                                 nullptr, nullptr);
-    SetForegroundWindow(other);
-    const auto pump = [] {
-        for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
-            TranslateMessage(&message);
-            DispatchMessageA(&message);
-        }
-    };
-    ASSERT_TRUE(waitFor([&] {
-        pump();
-        return GetForegroundWindow() == other;
-    }));
-    bench.daemon(event(kFirstCommand));
-    EXPECT_TRUE(waitFor([&] {
-        pump();
-        return bench.log().find("executeCommandByMapkey, but Creo is not activ window...") != std::string::npos;
-    }));
-    EXPECT_EQ(GetWindowTextLengthA(other), 0);
-    DestroyWindow(other);
-    EXPECT_EQ(bench.status("style"), "Shading");
-    EXPECT_FALSE(std::filesystem::exists(bench.temp() / "orbikon-trail.txt"));
 }
 
 TEST(SpecialEvents, StandardViews) {

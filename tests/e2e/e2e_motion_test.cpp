@@ -8,15 +8,6 @@ namespace {
 
 constexpr int kShaft = 41;
 
-bool isOrthonormal(const Pose& frame, double tolerance) {
-    for (int i = 0; i < 3; ++i) {
-        for (int k = 0; k < 3; ++k) {
-            if (std::abs(dot(frame.axes[i], frame.axes[k]) - (i == k ? 1.0 : 0.0)) > tolerance) return false;
-        }
-    }
-    return true;
-}
-
 void expectUnmoved(const Poses& before, const Poses& after, const std::vector<int>& exceptions) {
     for (const auto& [id, frame] : before) {
         if (std::find(exceptions.begin(), exceptions.end(), id) != exceptions.end()) continue;
@@ -53,42 +44,6 @@ TEST(Motion, TranslationFollowsTheScreensAxes) {
     }
     EXPECT_EQ(bench.status("outstanding_arrays"), "0");
     EXPECT_EQ(bench.status("wrong_thread_calls"), "0");
-}
-
-// A group turns about the middle of its origins: that point stays, distances stay, axes stay orthonormal.
-TEST(Motion, GroupTurnsAboutItsCentreAsARigidBody) {
-    Bench bench(Keys{{"rotSensBase", "20000"}});
-    bench.openAssemblyForMoving();
-    bench.selectForMoving("39 41 58/3");  // a part of the sub-assembly stands for the whole of it
-    const std::vector<int> group{39, 41, 58};
-    const auto centreOf = [&](const Poses& frames) {
-        Vector low = frames.at(39).origin, high = low;
-        for (const int id : group) {
-            for (int k = 0; k < 3; ++k) {
-                low[k] = std::min(low[k], frames.at(id).origin[k]);
-                high[k] = std::max(high[k], frames.at(id).origin[k]);
-            }
-        }
-        return low + (high - low) * 0.5;
-    };
-    const Poses before = bench.positions();
-    const Vector centre = centreOf(before);
-    const auto screen = bench.screenAxes();
-    bench.push(0, 0, 0, 0, 0, 1);  // so small a step that the centre's own way does not count
-    ASSERT_TRUE(waitFor([&] { return length(bench.positions().at(58).origin - before.at(58).origin) > 0.05; }));
-    bench.release();
-    const Poses after = bench.positions();
-    for (const int id : group) {
-        const Vector armBefore = before.at(id).origin - centre;
-        const Vector armAfter = after.at(id).origin - centre;
-        EXPECT_NEAR(dot(armAfter, screen[2]), dot(armBefore, screen[2]), 1e-3) << "about the view's axis: " << id;
-        for (const int other : group) {
-            EXPECT_NEAR(length(after.at(id).origin - after.at(other).origin),
-                        length(before.at(id).origin - before.at(other).origin), 1e-6);
-        }
-        EXPECT_TRUE(isOrthonormal(after.at(id), 1e-9));
-    }
-    expectUnmoved(before, after, group);
 }
 
 TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
@@ -130,31 +85,6 @@ TEST(Motion, LegacyChannelIsOnUnlessThePlugInUsesTheMotion) {
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "0"; }));
     bench.host("plugin terminate");
     EXPECT_EQ(bench.daemonStatus("legacy"), "1");
-}
-
-// Each step is drawn, and so is each answer of a thousand lines: a small picture and few questions, so that steps are
-// what the time goes to.
-TEST(Motion, ThousandComponents) {
-    Bench bench(Keys{{"maxContMoveTime", "1"}});
-    bench.host("resize 400 300");
-    bench.openAssemblyForMoving();
-    bench.host("components 1000");
-    bench.selectForMoving("all");
-    const Poses before = bench.positions();
-    ASSERT_EQ(before.size(), 1000u);
-    const auto screen = bench.screenAxes();
-    bench.push(80, 0, 0, 0, 0, 0);
-    ASSERT_TRUE(waitFor([&] { return bench.host("calls ProWindowRefresh") != std::vector<std::string>{"0"}; }));
-    bench.release();
-    const Poses after = bench.positions();
-    const int first = before.begin()->first;
-    const Vector way = after.at(first).origin - before.at(first).origin;
-    EXPECT_NEAR(dot(way, screen[0]), std::round(length(way)), 1e-6) << "whole steps of 1 along the screen";
-    EXPECT_GT(length(way), 0.5);
-    for (const auto& [id, frame] : before) {
-        ASSERT_LT(length(after.at(id).origin - frame.origin - way), 1e-6) << "component " << id;
-    }
-    EXPECT_EQ(bench.status("outstanding_arrays"), "0");
 }
 
 }  // namespace

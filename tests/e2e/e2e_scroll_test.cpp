@@ -73,17 +73,6 @@ TEST_F(Scroll, WindowsWithScrollBars) {
     }
 }
 
-TEST_F(Scroll, TreeStopsWhenThePointerLeaves) {
-    bench.host("cursor tree");
-    const int start = pos("tree");
-    bench.push(0, 0, 150, 0, 0, 0);
-    EXPECT_TRUE(waitFor([&] { return pos("tree") > start; }));
-    bench.host("cursor graphics");
-    EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "1"; }));
-    expectAtRest("tree");
-    bench.release();
-}
-
 TEST_F(Scroll, WheelWindows) {
     for (const auto& [panel, window] :
          {std::pair{"tables", "graphdraw"}, {"results", "list"}, {"results", "wheeltree"}, {"browser", "browser"}}) {

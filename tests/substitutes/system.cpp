@@ -56,8 +56,11 @@ BOOL WINAPI redrawWindow(HWND window, const RECT* rect, HRGN region, UINT flags)
 LRESULT WINAPI sendMessageTimeout(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT flags, UINT timeout,
                                   PDWORD_PTR result) {
     static const auto real = inWindows<decltype(SendMessageTimeoutA)>("user32", "SendMessageTimeoutA");
+    constexpr UINT kPatience = 60000;
     system().timeouts.push_back(timeout);
-    return real(window, message, wParam, lParam, flags, timeout, result);
+    system().clock += system().answerTime;
+    const bool isLimited = (flags & SMTO_ABORTIFHUNG) != 0 && !system().isAnswering;
+    return real(window, message, wParam, lParam, flags, isLimited ? timeout : kPatience, result);
 }
 
 void WINAPI sleep(DWORD ms) {
@@ -71,7 +74,7 @@ void WINAPI sleep(DWORD ms) {
 
 ULONGLONG WINAPI getTickCount64() {
     static const auto real = inWindows<decltype(GetTickCount64)>("kernel32", "GetTickCount64");
-    return real() + system().clockAhead;
+    return std::this_thread::get_id() == testThread ? system().clock : real();
 }
 
 }  // namespace

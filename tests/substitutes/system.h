@@ -31,11 +31,15 @@ struct System {
     HWND ofOtherProcess = nullptr;
     std::vector<HWND> updated;
     std::vector<HWND> invalidated;
-    std::vector<UINT> timeouts;  // that messages were sent with
 
-    // --- Time ---
-    std::vector<DWORD> pauses;  // Sleep on the thread that called reset(); nobody sleeps there
-    ULONGLONG clockAhead = 0;   // milliseconds
+    // --- Time, in milliseconds: on the thread that called reset() nobody sleeps, and the clock goes by hand ---
+    std::vector<DWORD> pauses;
+    ULONGLONG clock = 1000;
+    // Messages with a time limit: what they were given, and what their answer takes. Without a limit of its own a
+    // window that answers has all the time that a busy machine makes it need.
+    std::vector<UINT> timeouts;
+    ULONGLONG answerTime = 0;
+    bool isAnswering = true;
 
     void reset();
 };

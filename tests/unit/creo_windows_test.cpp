@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <future>
 #include <memory>
 #include <stdexcept>
@@ -135,7 +134,7 @@ class CreoWindows : public testing::Test {
         settings->mIsModeToRead = true;
         LoggingParameters& log = settings->mLogPars;
         log.mLogFile = profile.file("plug.log");
-        log.mIsLogToFile = log.mIsWarning = log.mIsTrace = true;
+        log.mIsLogToFile = log.mIsWarning = log.mIsTrace = log.mIsInfo = log.mIsDebug = true;
         gLogging.init(log);
         writeFile(settings->settingsDirPath() + "\\Creo.mnu", "[Modes]\nA = 1\nB = 2\n[MenuBar]\nx = {}ProCmdX*Y|h\n");
         for (HWND& top : tops) top = make(kTop, nullptr);
@@ -244,6 +243,11 @@ TEST_F(CreoWindows, IntervalFollowsTheCap) {
         EXPECT_THAT(timersKilled(), ElementsAre(timerOf(tops[0], 0)));
         EXPECT_THAT(timersSet(), ElementsAre(timerOf(tops[0], interval))) << axis;
     }
+    const std::string written = log();
+    EXPECT_THAT(written, HasSubstr("| Window Handle found for Timer: "));
+    EXPECT_LT(written.rfind("| Timer Callback start\n"), written.rfind("| Do Transformation\n"));
+    EXPECT_LT(written.rfind("| Do Transformation\n"), written.rfind("| timerIntvl: 100\n"));
+    EXPECT_TRUE(written.ends_with("| Timer Callback end\n"));
     EXPECT_EQ(handOver.menuFileProgress, 1.0) << "the menu file was loaded";
     EXPECT_EQ(toolkit().calls("ProModeCurrentGet"), 4);
     settings->mIsModeToRead = false;
@@ -283,36 +287,24 @@ TEST_F(CreoWindows, TimerThatIsNotArmedIsArmedByTheNextCallback) {
     const std::string line = "| Error in SetTimer()! err=1450";
     EXPECT_THAT(log(), HasSubstr(line));
     EXPECT_EQ(log().find(line), log().rfind(line)) << "one line a second";
-    const auto& move = toolkit().commands.at("Orbikon_ToggleMoveMode");
-    const auto& scroll = toolkit().commands.at("Orbikon_ToggleScrollMode");
-    const std::function<void()> callbacks[] = {
-        [&] { move.access(0); },
-        [&] { move.value(nullptr, nullptr); },
-        [&] { move.action(nullptr, nullptr, nullptr); },
-        [&] { scroll.access(0); },
-        [&] { scroll.value(nullptr, nullptr); },
-        [&] { scroll.action(nullptr, nullptr, nullptr); },
-        [&] { toolkit().notifications.at(41)(); },
-        [&] { toolkit().notifications.at(73)(); },
-        [&] { system().tick(); },
-    };
-    bool isRefused = true;
-    for (const auto& callback : callbacks) {
-        system().areTimersRefused = false;
-        callback();
-        EXPECT_THAT(timersSet(), ElementsAre(timerOf(tops[0])));
-        move.access(0);
-        EXPECT_THAT(timersSet(), IsEmpty());
-        if (isRefused) {
-            system().areTimersRefused = true;
-        } else {
-            toolkit().onCall("ProModeCurrentGet", [] { throw std::runtime_error("host"); });
+    for (const bool isThrown : {false, true}) {
+        for (const int notification : {0, 41, 73}) {
+            system().areTimersRefused = false;
+            notification == 0 ? access() : static_cast<void>(toolkit().notifications.at(notification)());
+            EXPECT_THAT(timersSet(), ElementsAre(timerOf(tops[0])));
+            access();
+            EXPECT_THAT(timersSet(), IsEmpty());
+            system().areTimersRefused = !isThrown;
+            toolkit().onCall("ProModeCurrentGet", [isThrown] {
+                if (isThrown) throw std::runtime_error("host");
+            });
+            system().tick();
+            toolkit().onCall("ProModeCurrentGet", {});
+            EXPECT_THAT(timersSet(), IsEmpty());
         }
-        isRefused = !isRefused;
-        system().tick();
-        toolkit().onCall("ProModeCurrentGet", {});
-        EXPECT_THAT(timersSet(), IsEmpty());
     }
+    system().tick();  // of a timer that Windows made all the same
+    EXPECT_THAT(timersSet(), ElementsAre(timerOf(tops[0])));
     EXPECT_THAT(log(), HasSubstr("| Error TimerProc()"));
 }
 
@@ -322,31 +314,19 @@ TEST_F(CreoWindows, ClassesThatScroll) {
     const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
     start();
-    const std::pair<const char*, Kind> cases[] = {
-        {"SysTreeView32", Kind::scrollBar},
-        {"TreeView", Kind::scrollBar},
-        {"SysListView32", Kind::scrollBar},
-        {"ListBox", Kind::scrollBar},
-        {"Edit", Kind::scrollBar},
-        {"GXWND", Kind::scrollBar},
-        {"ToolbarWindow32", Kind::wheel},
-        {"uintGraphDrawArea", Kind::wheel},
-        {"List", Kind::wheel},
-        {"Tree", Kind::wheel},
-        {kPlain, Kind::none},
-        {"Internet Explorer_Server", Kind::wheel},
-        {"Button", Kind::none},
-        {"Lis", Kind::none},
-        {"Trees", Kind::none},
+    const std::pair<Kind, std::vector<const char*>> cases[] = {
+        {Kind::scrollBar, {"SysTreeView32", "TreeView", "SysListView32", "ListBox", "Edit", "GXWND"}},
+        {Kind::wheel, {"ToolbarWindow32", "uintGraphDrawArea", "List", "Tree", "Internet Explorer_Server"}},
+        {Kind::none, {kPlain, "Button", "Lis", "Trees"}},
     };
     system().pointer = {12, 34};
-    for (const auto& [name, kind] : cases) {
-        const HWND window = make(name, tops[0]);
-        found = nullptr;
-        EXPECT_EQ(classify(window), kind) << name;
-        EXPECT_EQ(found, window);
-        EXPECT_EQ(x, 12);
-        EXPECT_EQ(y, 34);
+    for (const auto& [kind, names] : cases) {
+        for (const char* name : names) {
+            const HWND window = make(name, tops[0]);
+            x = y = 0;
+            EXPECT_EQ(classify(window), kind) << name;
+            EXPECT_EQ(std::tuple(x, y, found), std::tuple(12, 34, window));
+        }
     }
     const HWND window = make("List", tops[0]);
     EXPECT_EQ(classify(nullptr), Kind::none);
@@ -388,6 +368,7 @@ TEST_F(CreoWindows, SmallestOfOverlappingWindows) {
         {"those in front do not count", {small, large}, 1, 1},
         {"the same size", {large, same}, 0, 0},
         {"width times height", {large, flat}, 0, 1},
+        {"further right and down", {{0, 0, 100, 100}, {45, 45, 140, 140}}, 0, 1},
         {"hidden", {large, small}, 0, 1, true},
     };
     system().pointer = {50, 50};
@@ -405,7 +386,7 @@ TEST_F(CreoWindows, SmallestOfOverlappingWindows) {
         const HWND grandchild = make(kPlain, child, {5, 5, 18, 18});
         classify(siblings[c.start]);
         const bool hasWon = c.expected != c.start && !c.isHidden;
-        const bool isUnderPointer = c.siblings[c.expected].left == small.left;
+        const bool isUnderPointer = c.siblings[c.expected].left >= small.left;
         EXPECT_EQ(found, !hasWon ? siblings[c.start] : isUnderPointer ? grandchild : siblings[c.expected]);
         EXPECT_NE(found, other);
         DestroyWindow(parent);
@@ -499,23 +480,36 @@ TEST_F(CreoWindows, WindowOfAnotherThreadThatHangsIsLeftAlone) {
         OtherThread other(name);
         setRange(other.window, SB_VERT, 0, 250, 10, 100);
         system().inFront = other.window;
-        system().timeouts.clear();
         EXPECT_TRUE(scroll(other.window, 0, 0, 40));
         EXPECT_EQ(scrolled, std::vector<Message>(kind == Kind::scrollBar ? 2 : 0, {WM_VSCROLL, SB_LINEDOWN, 0}));
         other.hang();
+        system().isAnswering = false;
         EXPECT_FALSE(scroll(other.window, 0, 0, 40));
         EXPECT_THAT(system().pauses, IsEmpty());
         EXPECT_THAT(system().updated, IsEmpty());
-        EXPECT_THAT(system().timeouts, testing::Each(testing::Le(100u)));
         EXPECT_EQ(classify(other.window), Kind::none) << "left alone, so that Creo gets the motion";
-        EXPECT_EQ(classify(make(name, tops[0])), Kind::none) << "not in front";
-        system().clockAhead += 4000;
+        system().clock += 4999;
         EXPECT_EQ(classify(other.window), Kind::none);
-        system().clockAhead += 1000;
+        system().clock += 1;
         EXPECT_EQ(classify(other.window), kind);
         other.goOn();
+        system().isAnswering = true;
         EXPECT_TRUE(scroll(other.window, 0, 0, 40));
     }
+}
+
+// One that answers slowly has a tenth of a second for all of a step's messages.
+TEST_F(CreoWindows, WindowOfAnotherThreadHasATenthOfASecondInAll) {
+    start();
+    OtherThread other("GXWND");
+    system().inFront = other.window;
+    setRange(other.window, SB_VERT, 0, 900, 10, 100);
+    system().answerTime = 30;
+    EXPECT_FALSE(scroll(other.window, 0, 0, 40));
+    EXPECT_THAT(system().timeouts, ElementsAre(100, 70, 40, 10));
+    EXPECT_EQ(scrolled.size(), 3u);
+    EXPECT_THAT(system().pauses, IsEmpty());
+    EXPECT_EQ(classify(other.window), Kind::none);
 }
 
 // ---- Mapkey ----

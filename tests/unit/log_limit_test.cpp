@@ -15,14 +15,9 @@ TEST(LogLimit, OneLineACauseAndSecond) {
         bool isDue;
     };
     // A line that is not written does not put off the next.
-    for (const auto& [cause, ms, isDue] : {Case{"a", 0, true},
-                                           {"a", 0, false},
-                                           {"a", 999, false},
-                                           {"b", 999, true},
-                                           {"a", 1000, true},
-                                           {"a", 1999, false},
-                                           {"b", 1998, false},
-                                           {"b", 5000, true}}) {
+    const Case cases[] = {{"a", 0, true},    {"a", 0, false},    {"a", 999, false},  {"b", 999, true},
+                          {"a", 1000, true}, {"a", 1999, false}, {"b", 1998, false}, {"b", 5000, true}};
+    for (const auto& [cause, ms, isDue] : cases) {
         EXPECT_EQ(limit.isDue(cause, start + milliseconds(ms)), isDue) << cause << " " << ms;
     }
 }

@@ -13,22 +13,14 @@ TEST(ScrollPlan, DriveAndPause) {
         bool isEqual, isVertical;
         int larger, pauseMs;
     };
-    for (const auto& c : {Case{0, 0, 7, false, true, 7, 147},
-                          {0, 0, -8, false, true, -8, 146},
-                          {0, 9, 8, false, true, -9, 146},
-                          {0, -9, 8, false, true, 9, 146},
-                          {0, 9, 9, false, true, 9, 146},
-                          {5, 4, 3, false, false, 5, 148},
-                          {-5, 4, -3, false, false, -5, 148},
-                          {5, -6, 3, false, true, 6, 147},
-                          {100, 0, -100, true, false, 100, 100},
-                          {-40, 40, 0, true, false, -40, 130},
-                          {0, 0, 0, true, false, 0, 150},
-                          {0, 0, 296, false, true, 296, 2},
-                          {0, 0, 298, false, true, 298, 1},
-                          {299, 0, 0, false, false, 299, 1},
-                          {-300, 0, 0, false, false, -300, 1},
-                          {0, -32768, 0, false, true, 32768, 1}}) {
+    const Case cases[] = {
+        {0, 0, 7, false, true, 7, 147},       {0, 0, -8, false, true, -8, 146},  {0, 9, 8, false, true, -9, 146},
+        {0, -9, 8, false, true, 9, 146},      {0, 9, 9, false, true, 9, 146},    {5, 4, 3, false, false, 5, 148},
+        {-5, 4, -3, false, false, -5, 148},   {5, -6, 3, false, true, 6, 147},   {100, 0, -100, true, false, 100, 100},
+        {-40, 40, 0, true, false, -40, 130},  {0, 0, 0, true, false, 0, 150},    {0, 0, 296, false, true, 296, 2},
+        {0, 0, 298, false, true, 298, 1},     {299, 0, 0, false, false, 299, 1}, {-300, 0, 0, false, false, -300, 1},
+        {0, -32768, 0, false, true, 32768, 1}};
+    for (const auto& c : cases) {
         const ScrollDrive drive(c.tx, c.ty, c.tz);
         SCOPED_TRACE(testing::Message() << c.tx << " " << c.ty << " " << c.tz);
         EXPECT_EQ(drive.isEqual(), c.isEqual);
@@ -44,17 +36,11 @@ TEST(ScrollPlan, RangesThatMakeSense) {
         bool isSensible;
         int extraPauseMs;
     };
-    for (const auto& c : {Case{{0, 1, 1, 0}, true, 49},
-                          {{0, 49, 1, 0}, true, 1},
-                          {{0, 50, 1, 0}, true, 0},
-                          {{0, 5000, 1, 0}, true, 0},
-                          {{4, 5, 1, 0}, true, 45},
-                          {{5, 5, 1, 0}, false, 45},
-                          {{6, 5, 1, 0}, false, 45},
-                          {{0, 0, 1, 0}, false, 50},
-                          {{-1, 5, 1, 0}, false, 45},
-                          {{-5, -1, 1, 0}, false, 51},
-                          {{0, 100, 0, 0}, false, 0}}) {
+    const Case cases[] = {{{0, 1, 1, 0}, true, 49},    {{0, 49, 1, 0}, true, 1},  {{0, 50, 1, 0}, true, 0},
+                          {{0, 5000, 1, 0}, true, 0},  {{4, 5, 1, 0}, true, 45},  {{5, 5, 1, 0}, false, 45},
+                          {{6, 5, 1, 0}, false, 45},   {{0, 0, 1, 0}, false, 50}, {{-1, 5, 1, 0}, false, 45},
+                          {{-5, -1, 1, 0}, false, 51}, {{0, 100, 0, 0}, false, 0}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.range.min << " to " << c.range.max);
         EXPECT_EQ(c.range.isSensible(), c.isSensible);
         EXPECT_EQ(c.range.extraPauseMs(), c.extraPauseMs);
@@ -68,22 +54,12 @@ TEST(ScrollPlan, LineSteps) {
         int position;
         int back, forth;
     };
-    for (const auto& c : {Case{250, 10, 100, -2, 2},
-                          {1, 1, 0, 0, 1},
-                          {99, 10, 1, -1, 1},
-                          {100, 10, 1, -1, 1},
-                          {199, 10, 1, -1, 1},
-                          {200, 10, 1, -2, 2},
-                          {999, 10, 1, -9, 9},
-                          {1000, 10, 1, -10, 10},
-                          {5000, 10, 1, -10, 10},
-                          {INT_MAX, 10, 0, 0, 10},
-                          {100, 10, 90, -1, 1},
-                          {100, 10, 91, -1, 0},
-                          {100, 101, 0, 0, 0},
-                          {100, UINT_MAX, 5, -1, 0},
-                          {100, 10, INT_MAX, -1, 0},
-                          {100, 10, -5, 0, 1}}) {
+    const Case cases[] = {
+        {250, 10, 100, -2, 2},  {1, 1, 0, 0, 1},           {99, 10, 1, -1, 1},        {100, 10, 1, -1, 1},
+        {199, 10, 1, -1, 1},    {200, 10, 1, -2, 2},       {999, 10, 1, -9, 9},       {1000, 10, 1, -10, 10},
+        {5000, 10, 1, -10, 10}, {INT_MAX, 10, 0, 0, 10},   {100, 10, 90, -1, 1},      {100, 10, 91, -1, 0},
+        {100, 101, 0, 0, 0},    {100, UINT_MAX, 5, -1, 0}, {100, 10, INT_MAX, -1, 0}, {100, 10, -5, 0, 1}};
+    for (const auto& c : cases) {
         const ScrollRange range{0, c.max, c.page, c.position};
         SCOPED_TRACE(testing::Message() << c.position << " of " << c.max);
         EXPECT_EQ(range.steps(-1), c.back);
