@@ -211,7 +211,11 @@ std::string daemonLife(Dice& dice) {
     return dice.oneIn(4) ? dice.pick(kDeaths) : "start daemon";
 }
 
-std::string pause(Dice& dice) { return "pause " + std::to_string(dice.between(5, 60)); }
+// Now and then so long that the plug-in looks after its connection.
+std::string pause(Dice& dice) {
+    constexpr int kLongPauseMs = 2500;
+    return "pause " + std::to_string(dice.oneIn(40) ? kLongPauseMs : dice.between(5, 60));
+}
 
 struct Kind {
     int weight;
