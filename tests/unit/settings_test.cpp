@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <utility>
+
+#include "tests/substitutes/system.h"
 #include "tests/unit/scratch.h"
 
 namespace {
@@ -123,7 +127,8 @@ class SettingsFile : public testing::Test {
 TEST_F(SettingsFile, DefaultFileToTheByte) {
     logEverything();
     const Settings settings;
-    EXPECT_EQ(textOf(path()), kDefaultFile);
+    EXPECT_EQ(bytesOf(path()), inTextMode(kDefaultFile));
+    EXPECT_THAT(namesIn(settingsFolder()), testing::ElementsAre("Creo_plugin.ini"));
     EXPECT_EQ(settings.settingsDirPath(), settingsFolder());
     EXPECT_EQ(settings.mLogPars.mSettingsDirPath, productFolder());
     const std::string text = log();
@@ -235,14 +240,49 @@ TEST_F(SettingsFile, PlaceThatCannotBeUsed) {
     EXPECT_EQ(bytesOf(blocked), "in the way");
 }
 
-#ifdef __linux__
-TEST_F(SettingsFile, FullDiskIsReported) {
-    logEverything();
-    const Settings settings;
-    settings.writeSettingsFile("/dev/full");
-    EXPECT_THAT(log(), testing::HasSubstr("| Writing default settings file '/dev/full' failed!\n"));
+#ifndef _WIN32
+TEST_F(SettingsFile, FullDiskLeavesNoFile) {
+    for (const rlim_t size : {rlim_t{0}, rlim_t{1000}, rlim_t{std::strlen(kDefaultFile) - 1}}) {
+        {
+            const FullDisk full(size);
+            const Settings settings;
+            EXPECT_EQ(settings.mTraSensBase, 40000);
+        }
+        EXPECT_THAT(namesIn(settingsFolder()), testing::IsEmpty()) << size;
+    }
+    {
+        const FullDisk full(std::strlen(kDefaultFile));
+        const Settings settings;
+    }
+    EXPECT_EQ(bytesOf(path()), kDefaultFile);
 }
 #endif
+
+TEST_F(SettingsFile, AppearsWholeOrNotAtAllAndStaysWhateverFails) {
+    std::vector<std::string> faults;
+    const int held = substitute::locksHeld();
+    int failed = 0;
+    for (const bool isThere : {false, true}) {
+        failed += substitute::failEachCall([] { const Settings settings; },
+                                           [&](const std::string& which) {
+                                               const std::string bytes = bytesOf(path());
+                                               const bool mayBeMissing = !isThere && !std::filesystem::exists(path());
+                                               if (!mayBeMissing && bytes != inTextMode(kDefaultFile))
+                                                   faults.push_back("file after " + which);
+                                               if (substitute::locksHeld() != held)
+                                                   faults.push_back("lock after " + which);
+                                               { const Settings next; }
+                                               if (bytesOf(path()) != inTextMode(kDefaultFile))
+                                                   faults.push_back("next file after " + which);
+                                               if (namesIn(settingsFolder()).size() != 1 && which != "remove 1")
+                                                   faults.push_back("rest after " + which);
+                                               if (!isThere) std::filesystem::remove_all(settingsFolder());
+                                           });
+        const Settings settings;  // makes the file for the second round
+    }
+    EXPECT_THAT(faults, testing::IsEmpty());
+    EXPECT_GT(failed, 50);
+}
 
 TEST_F(SettingsFile, ProfileNamedInTheProcessCodePage) {
     const std::string place = profile.file("J\xf6rg");
