@@ -5,6 +5,8 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
+#include <iostream>
 #include <new>
 #include <string>
 
@@ -33,6 +35,15 @@ bool isToFail(substitute::Call call) {
     return true;
 }
 
+// Counted where the system tells it.
+std::ptrdiff_t openFiles() {
+#ifdef __linux__
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+#else
+    return 0;
+#endif
+}
+
 }  // namespace
 
 namespace substitute {
@@ -44,7 +55,11 @@ NthFails::NthFails(Call call, long n) {
 
 NthFails::~NthFails() { callsLeft = 0; }
 
-int failEachCall(const std::function<void()>& operation, const std::function<void(const std::string& which)>& check) {
+std::vector<std::string> failEachCall(const std::function<void()>& operation,
+                                      const std::function<std::string(const std::string& which)>& check) {
+    std::vector<std::string> faults;
+    const int held = heldCount;
+    const auto open = openFiles();
     int failed = 0;
     for (const auto& [call, name] : kKinds) {
         bool hasFailed = true;
@@ -57,15 +72,20 @@ int failEachCall(const std::function<void()>& operation, const std::function<voi
                 hasFailed = true;
             }
             failed += hasFailed;
-            check(name + (" " + std::to_string(n)));
+            const std::string which = name + (" " + std::to_string(n));
+            if (heldCount != held) {
+                std::cerr << "The lock is wrong after " << which << std::endl;  // and may hold up whatever comes
+                return {"lock after " + which};
+            }
+            if (const std::string fault = check(which); !fault.empty()) faults.push_back(fault + " after " + which);
+            if (openFiles() != open) faults.push_back("open file after " + which);
         }
     }
-    return failed;
+    if (failed < 2) faults.emplace_back("nothing to fail");
+    return faults;
 }
 
 long allocations() { return allocationCount; }
-
-int locksHeld() { return heldCount; }
 
 void advanceClock(std::chrono::steady_clock::duration time) { clockOffset += time.count(); }
 

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace substitute {
 
@@ -23,11 +24,13 @@ class NthFails {
 
 // Runs the operation again and again: each time the next one of its calls fails, of one kind after the other, until
 // none is left to fail. What the operation throws then, for lack of memory, ends it and nothing else. `check` follows
-// each run, with everything working; it gets a text that tells which call it was. Answers how many failed.
-int failEachCall(const std::function<void()>& operation, const std::function<void(const std::string& which)>& check);
+// each run, with everything working: it gets a text that tells which call it was, puts things back and answers what is
+// wrong, or nothing. Result: all that was wrong, a lock or a file left open and an operation that calls nothing
+// included.
+std::vector<std::string> failEachCall(const std::function<void()>& operation,
+                                      const std::function<std::string(const std::string& which)>& check);
 
 long allocations();  // that operator new has handed out
-int locksHeld();     // semaphores taken and not released
 
 // Lets std::chrono::steady_clock jump ahead.
 void advanceClock(std::chrono::steady_clock::duration time);
