@@ -11,8 +11,10 @@
 //   creo_mapkey.cpp    running it through a mapkey and a trail file
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +23,7 @@ struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-
 using WindowHandle = HWND__*;
 
 struct HandOver;
+class Cnfg;
 class LegacyCom1;
 class LifeCycle;
 class Settings;
@@ -80,8 +83,10 @@ class CreoProxy {
 
     // --- Menu file and commands ---
     // Reads the menu file into the table of commands and the list of mode names; generates the file when there is
-    // none. The timer calls it until the hand-over's progress says that this is at its end.
+    // none, and waits half a minute for one that cannot be read just now. The timer calls it while
+    // isMenuFileAwaited(). The hand-over's progress is at its end as soon as nothing is generated (any more).
     void loadMenufile();
+    bool isMenuFileAwaited() const;
     // Runs the command with that index in the table.
     void execApplFunction(std::uint32_t menuFncIdx);
     // Sets the standard view that belongs to a special device event.
@@ -113,7 +118,8 @@ class CreoProxy {
     void runPendingCommands();
     void decideLegacyChannel();
     bool transformOnce();
-    void readMenuFile(const std::string& path);
+    bool generateMenuFile(const std::string& path);
+    bool readMenuFile(Cnfg& file, const std::string& path);
     Generation createMNUFile(const std::string& path);
     bool getLoadpointAndLanguage(std::string& loadpoint, std::string& language) const;
     void endGeneration();
@@ -135,6 +141,8 @@ class CreoProxy {
     WindowHandle mTimerWindow = nullptr;  // carries the timer; also Creo's main window for keys
     WindowHandle mGraphicsWindow = nullptr;
 
+    // Until when a menu file that is there is tried again; empty unless a try has failed.
+    std::optional<std::chrono::steady_clock::time_point> mMenuFileDeadline;
     struct GenerationJob;
     std::shared_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated
 };
