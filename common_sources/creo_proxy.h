@@ -12,8 +12,10 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +26,7 @@ struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-
 using WindowHandle = HWND__*;
 
 struct HandOver;
+class Cnfg;
 class LegacyCom1;
 class LifeCycle;
 class Settings;
@@ -83,8 +86,10 @@ class CreoProxy {
 
     // --- Menu file and commands ---
     // Reads the menu file into the table of commands and the list of mode names; generates the file when there is
-    // none. The timer calls it until the hand-over's progress says that this is at its end.
+    // none, and waits half a minute for one that cannot be read just now. The timer calls it while
+    // isMenuFileAwaited(). The hand-over's progress is at its end as soon as nothing is generated (any more).
     void loadMenufile();
+    bool isMenuFileAwaited() const;
     // Runs the command with that index in the table.
     void execApplFunction(std::uint32_t menuFncIdx);
     // Sets the standard view that belongs to a special device event.
@@ -122,7 +127,8 @@ class CreoProxy {
     void refitView();
     void decideLegacyChannel();
     bool transformOnce();
-    void readMenuFile(const std::string& path);
+    bool generateMenuFile(const std::string& path);
+    bool readMenuFile(Cnfg& file, const std::string& path);
     Generation createMNUFile(const std::string& path);
     bool getLoadpointAndLanguage(std::string& loadpoint, std::string& language) const;
     void endGeneration();
@@ -146,6 +152,8 @@ class CreoProxy {
     WindowHandle mTimerWindow = nullptr;  // carries the timer; also Creo's main window for keys
     WindowHandle mGraphicsWindow = nullptr;
 
+    // Until when a menu file that is there is tried again; empty unless a try has failed.
+    std::optional<std::chrono::steady_clock::time_point> mMenuFileDeadline;
     struct GenerationJob;
     std::shared_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated
 };

@@ -118,7 +118,7 @@ void CreoProxy::onTimer() {
     OB_LOG(LogLevel::INF) << "Timer Callback start";
     killTimer();
     if (mSettings.mIsModeToRead) checkMode(false);
-    if (mHandOver.menuFileProgress != HandOver::kProgressDone) loadMenufile();
+    if (isMenuFileAwaited()) loadMenufile();
     doTransform();
     if (!mHandOver.isEnding) {
         const UINT interval = isCapMoving() ? kMovingIntervalMs : kRestIntervalMs;

@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cstdlib>
-#include <fstream>
 #include <iomanip>
 #include <limits>
 #include <sstream>
@@ -16,6 +15,7 @@
 #endif
 
 #include "config/cnfg.h"
+#include "config/new_file.h"
 
 namespace {
 
@@ -170,7 +170,7 @@ int Settings::readSettingsFile(const std::string& path) {
             const std::string text = readParameter(file, mLogPars.mSectionName.c_str(), key.name);
             std::visit([&](auto member) { assign(mLogPars.*member, text); }, key.member);
         }
-    } catch (const std::exception&) {
+    } catch (const std::exception&) {  // what was not read keeps its default
         OB_LOG(LogLevel::ERR) << "Error reading settings file!";
     }
     return 0;
@@ -178,23 +178,21 @@ int Settings::readSettingsFile(const std::string& path) {
 
 std::string Settings::readParameter(Cnfg& file, const char* section, const char* key) const {
     std::string value;
-    if (file.readParameter(section, key, value) != Cnfg::kOk) OB_LOG(LogLevel::ERR) << file.errorText();
+    const std::int32_t status = file.readParameter(section, key, value);
+    if (status == Cnfg::kReadFailed) throw std::ios_base::failure(file.errorText());
+    if (status != Cnfg::kOk) OB_LOG(LogLevel::ERR) << file.errorText();
     return value;
 }
 
 void Settings::writeSettingsFile(const std::string& path) const {
     OB_LOG(LogLevel::TRC) << "Writing new default settings file ...";
-    std::ofstream out(path);
-    if (!out) {
-        OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
-        return;
-    }
+    NewFile file(path);
+    std::ostream& out = file.stream();
     out << "# Configuration file for Orbikon's Creo Plug-in\n\n[" << kProgramSection << "]\n";
     for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
     out << "\n[" << mLogPars.mSectionName << "]\n";
     for (const auto& key : kLoggingKeys) writeKeyLine(out, mLogPars, key);
-    out.close();
-    if (!out) {  // the disk is full
+    if (file.publish()) {
         OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
         return;
     }

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <ctime>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -54,10 +55,12 @@ struct LoggingParameters {
     std::string mExclFileToLog;  // when not empty, only statements of the source file with this name are logged
 };
 
-// Any thread may call any member, except construction and destruction. Nothing throws but allocation failure.
+// Any thread may call any member, except construction and destruction. Nothing throws, also not for lack of memory: the
+// line that it concerns is lost or cut then.
 class Logging {
   public:
     Logging();
+    // Waits for nobody: while another thread is inside a statement, it does the same as leaveToProcessEnd().
     ~Logging();
     Logging(const Logging&) = delete;
     Logging& operator=(const Logging&) = delete;
@@ -81,7 +84,8 @@ class Logging {
     // Appends to the statement that the calling thread has begun. Ignored when it has begun none.
     void append(std::string_view text);
     void append(std::int64_t number);
-    std::ostream* statementStream();  // for all other types; null when the thread has begun no statement
+    void append(std::uint64_t number);  // one that std::int64_t does not hold
+    std::ostream* statementStream();    // for all other types; null when the thread has begun no statement
 
     // Gives the statement up: nothing is written, the lock is released.
     void abandonStatement();
@@ -90,7 +94,7 @@ class Logging {
     void backupLogFile();
 
     // For the end of a process, when the other threads are gone wherever they were, perhaps inside the lock or the
-    // file: nothing is logged any more, and destruction leaves both alone. Every line is in the file already.
+    // file: nothing is logged any more, and destruction leaves all that alone. Every line is in the file already.
     void leaveToProcessEnd();
 
   private:
@@ -103,12 +107,14 @@ class Logging {
     bool passesFileFilter(std::string_view sourceFile) const;
     void interruptStatement();
     void writeHexDump(std::string_view text);
+    template <typename Number>
+    void writeNumber(Number number);
 
     LoggingParameters mParameters;
     std::string mLogFilePath;
     std::unique_ptr<std::ostringstream> mBuffer;  // statement being built; guarded by mMutex, as all above
     std::unique_ptr<std::ofstream> mFile;         // null while nothing is logged to a file
-    std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();
+    std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();  // null after leaveToProcessEnd()
     bool mIsHexDump = false;
 
     struct Outer;                                   // statement that a nested one interrupts
@@ -119,6 +125,9 @@ class Logging {
 
 // Builds the columns source file, line, class and method. `method` holds the class name, "::" and the method's name.
 std::string makeLogPrefix(std::string_view sourceFile, int line, std::string_view className, std::string_view method);
+
+// The date in the log's header, as "Sat Nov 21 2026": of the local time zone, English whatever the locale is.
+std::string logDate(std::time_t time);
 
 // kLogEnd exactly while the global logger is usable.
 extern std::atomic<std::uint32_t> gLoggerAlive;
@@ -144,7 +153,7 @@ class LogStatement {
             gLogging.append(std::string_view(value));
         } else if constexpr (std::is_integral_v<T> && sizeof(T) > 1) {
             if (!std::in_range<std::int64_t>(value)) {
-                gLogging.append(std::to_string(value));
+                gLogging.append(static_cast<std::uint64_t>(value));
                 return *this;
             }
             gLogging.append(static_cast<std::int64_t>(value));

@@ -16,8 +16,6 @@ constexpr char kLogClass[] = "MNUParser";
 
 constexpr char kLibraryPrefix[] = "pro_default_";
 constexpr char kLibrarySuffix[] = "resources.dll";
-constexpr char kEnglish[] = "english";
-constexpr char kGerman[] = "german";
 
 constexpr double kMainLibraryDone = 0.3;
 constexpr double kLanguageLibraryDone = 0.9;
@@ -101,15 +99,13 @@ std::string languageLibraryName(const std::string& language) {
 
 bool MNUParser::CreateMNU(std::atomic<double>* progress, const std::string& mnuPath, const std::string& resourceDir,
                           const std::string& language, const std::atomic<bool>* cancel) {
-    mProgress = progress;
-    mCancel = cancel;
-    mTables.clear();
-    mIsMainLanguage = mIsGermanOutput = false;
-    mFailure.clear();
     try {
+        start(progress, language, cancel);
         return createMNU(mnuPath, resourceDir, language);
     } catch (...) {
-        return fail("Error CreateMNU()");
+        OB_LOG(LogLevel::ERR) << "Error CreateMNU()";
+        mFailure = "Out of memory";  // short enough to need none
+        return false;
     }
 }
 
@@ -118,9 +114,6 @@ bool MNUParser::createMNU(const std::string& mnuPath, std::string resourceDir, c
     if (!resourceDir.ends_with('\\')) resourceDir += '\\';
     const std::string mainLibrary = resourceDir + kLibraryPrefix + kLibrarySuffix;
 
-    // The German library has the English texts, too, above the German ones.
-    mIsMainLanguage = language == kEnglish;
-    mIsGermanOutput = language == kGerman;
     const std::string languageLibrary = resourceDir + languageLibraryName(mIsMainLanguage ? kGerman : language);
 
     // A language comes from the environment; it names a library in the resource folder and nowhere else.

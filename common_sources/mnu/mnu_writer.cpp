@@ -1,16 +1,11 @@
 #include "common_sources/mnu/mnu_writer.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <iterator>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu/mnu_format.h"
+#include "config/new_file.h"
 
 namespace {
 
@@ -68,47 +63,6 @@ Records readableRecords(const Records& records) {
     }
     return result;
 }
-
-// A file that vanishes with this object unless it was published under its final name.
-class TemporaryFile {
-  public:
-    // The process id keeps two Creos that start at the same time apart. One left by a crash is overwritten.
-    explicit TemporaryFile(const std::string& finalPath)
-        : mFinalPath(finalPath), mPath(finalPath + "." + std::to_string(getpid()) + ".tmp"), mStream(mPath) {}
-    ~TemporaryFile() {
-        mStream.close();
-        if (!mIsPublished) std::remove(mPath.c_str());
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    std::ofstream& stream() { return mStream; }
-
-    // Empty when everything written has arrived and the file has its final name, otherwise the reason.
-    std::optional<std::string> publish() {
-        mStream.close();
-        if (!mStream) return "Menu file cannot be written: " + mPath;
-        if (!renameToFinal())
-            return "Menu file cannot be created (" + std::string(std::strerror(errno)) + "): " + mFinalPath;
-        mIsPublished = true;
-        return std::nullopt;
-    }
-
-  private:
-    // Never replaces a file: Windows' rename refuses to, and so does link().
-    bool renameToFinal() {
-#ifdef _WIN32
-        return std::rename(mPath.c_str(), mFinalPath.c_str()) == 0;
-#else
-        return link(mPath.c_str(), mFinalPath.c_str()) == 0 && unlink(mPath.c_str()) == 0;
-#endif
-    }
-
-    std::string mFinalPath;
-    std::string mPath;
-    std::ofstream mStream;
-    bool mIsPublished = false;
-};
 
 class MenuFileWriter {
   public:
@@ -170,7 +124,7 @@ std::optional<std::string> writeMenuFile(const std::string& path, const MenuTabl
                                          const MenuFileOptions& options) {
     static constexpr char kCancelled[] = "Menu file generation was cancelled";
     const auto isCancelled = [&] { return options.cancel && options.cancel->load(std::memory_order_relaxed); };
-    if (std::ifstream(path)) return "Menu file exists already: " + path;
+    if (isNameTaken(path)) return "Menu file exists already: " + path;
 
     std::map<std::string_view, Records> readable;
     std::size_t longestLabel = 0;
@@ -181,7 +135,7 @@ std::optional<std::string> writeMenuFile(const std::string& path, const MenuTabl
         for (const CommandRecord* record : kept) longestLabel = std::max(longestLabel, record->label.size());
     }
 
-    TemporaryFile file(path);
+    NewFile file(path);
     MenuFileWriter writer(file.stream(), longestLabel + kKeyGap);
     writer.writeModes();
     writer.writeOwnMenu(options.isGerman);
@@ -194,5 +148,6 @@ std::optional<std::string> writeMenuFile(const std::string& path, const MenuTabl
         if (options.afterMenu) options.afterMenu();
     }
     writer.writeEnd();
-    return file.publish();
+    const auto reason = file.publish();
+    return reason ? "Menu file " + *reason : reason;
 }

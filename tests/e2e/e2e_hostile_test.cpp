@@ -40,6 +40,33 @@ TEST(HostileSettings, FolderThatCannotBeMade) {
     EXPECT_EQ(workbench::readTextFile(bench.profile() / "OrbikonController"), "in the way");
 }
 
+// Another program has the files open and shares them with nobody: they stay as they are, and the menu file is read as
+// soon as it can be; the device is served before that.
+TEST(HostileSettings, FilesThatAreHeld) {
+    Workbench bench(optionsWith(settingsText(), menuText()));
+    const std::string settings = bytesOf(bench.settingsFile()), menuFile = bytesOf(bench.menuFile());
+    const auto hold = [](const std::filesystem::path& file) {
+        return workbench::Handle(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    };
+    const auto isInLog = [&](const char* text) { return bench.log().find(text) != std::string::npos; };
+    {
+        const workbench::Handle held = hold(bench.settingsFile());
+        expectWorks(bench);
+        bench.host("plugin unload");
+    }
+    {
+        const workbench::Handle held = hold(bench.menuFile());
+        bench.host("plugin load");
+        EXPECT_TRUE(waitFor([&] { return isInLog("cannot be read, trying again for 30 s"); }));
+        bench.daemon("event 0x20020");
+        EXPECT_TRUE(waitFor([&] { return isInLog("menuFncIdx (0') too big (max. is -1)!"); }));
+    }
+    EXPECT_TRUE(waitFor([&] { return isInLog("entries loaded."); }));
+    EXPECT_EQ(bytesOf(bench.settingsFile()), settings);
+    EXPECT_EQ(bytesOf(bench.menuFile()), menuFile);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(bench.settingsFolder()), {}), 2);
+}
+
 TEST(HostileSettings, LineOfTenMegabytes) {
     const std::string text = settingsText({{"name", std::string(10 * kMegabyte, 'x')}, {"transSensBase", "30000"}});
     Workbench bench(optionsWith(text, menuText()));

@@ -54,6 +54,12 @@ TEST(Start, EndInsideATickWaitsForIt) {
         const char* request;
         const char* state;
     };
+    const auto linesOfEnds = [&] {
+        const std::string log = bench.log(), line = "~CObAddin";
+        int count = 0;
+        for (auto at = log.find(line); at != std::string::npos; at = log.find(line, at + 1)) ++count;
+        return count;
+    };
     for (const auto& [function, request, state] : {Case{"ProWindowRefresh", "unload", "registered"},
                                                    {"ProModeCurrentGet", "unload", "registered"},
                                                    {"ProVectorTrfEval", "unload", "registered"},
@@ -61,11 +67,12 @@ TEST(Start, EndInsideATickWaitsForIt) {
         SCOPED_TRACE(std::string(function) + " " + request);
         bench.openAssemblyForMoving();
         bench.selectForMoving("41");
+        const int before = linesOfEnds();
         bench.host("during " + std::string(function) + " plugin " + request);
         bench.push(100, 0, 0, 0, 0, 0);
-        bench.expectLog("Destructed.");
-        EXPECT_TRUE(waitFor([&] { return bench.status("plugin") == state; }));
+        EXPECT_TRUE(waitFor([&] { return linesOfEnds() == before + 2; }));
         bench.push(0, 0, 0, 0, 0, 0);
+        EXPECT_EQ(bench.status("plugin"), state);
         if (state == std::string("registered")) {
             EXPECT_EQ(bench.daemonStatus("clients"), "0");
             EXPECT_EQ(bench.daemonStatus("legacy"), "1");
@@ -74,6 +81,7 @@ TEST(Start, EndInsideATickWaitsForIt) {
         EXPECT_EQ(bench.status("outstanding_arrays"), "0");
         EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("application") == "xtopCreo"; }));
     }
+    bench.openAssemblyForMoving();
     bench.selectForMoving("41");  // it works
 }
 

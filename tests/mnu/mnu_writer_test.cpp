@@ -2,19 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "common_sources/mnu/mnu_parser.h"
 #include "common_sources/mnu/mnu_reader.h"
 #include "config/cnfg.h"
-
-#ifndef _WIN32
-#include <sys/resource.h>
-
-#include <csignal>
-#endif
+#include "config/new_file.h"
+#include "tests/substitutes/system.h"
+#include "tests/unit/scratch.h"
 
 namespace {
 
@@ -24,32 +17,13 @@ using testing::IsEmpty;
 
 class MenuFile : public testing::Test {
   protected:
-    MenuFile() { std::filesystem::create_directories(folder); }
-    ~MenuFile() override { std::filesystem::remove_all(folder); }
-
-    std::vector<std::string> filesInFolder() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            names.push_back(entry.path().filename().string());
-        }
-        return names;
-    }
-
-    // Text of the file with every line end as a line feed.
-    std::string content() const {
-        std::ifstream file(path, std::ios::binary);
-        std::string text{std::istreambuf_iterator<char>(file), {}};
-        std::erase(text, '\r');
-        return text;
-    }
-
     std::vector<std::string> commandsReadBack() const {
         Cnfg file(path);
         return readMenuFileContent(file).commands;
     }
 
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "orbikon_mnu_writer_test";
-    const std::string path = (folder / "Creo.mnu").string();
+    const ScratchFolder folder;
+    const std::string path = folder.file("Creo.mnu");
 };
 
 constexpr char kScroll[] = "OB_Toggle_Scroll_Mode";
@@ -57,6 +31,7 @@ constexpr char kMove[] = "OB_Toggle_Object_Move_Mode";
 
 TEST_F(MenuFile, IsWrittenToTheByte) {
     MNUParser parser;
+    parser.start(nullptr, "french");
     parser.AddResource("VIEW_MENU_PANE.RES", "ProCmdViewShaded ProCmdViewRefit");
     parser.AddResource("EDIT_MENU_PANE.RES", "ProCmdEditUndo ProCmdViewRefit");
     parser.AddResource("PROCMDVIEWSHADED.TXT", "] COMMAND.LABEL\nShading\n&Schattieren\n");
@@ -64,31 +39,89 @@ TEST_F(MenuFile, IsWrittenToTheByte) {
     parser.AddResource("PROCMDEDITUNDO.TXT", "] COMMAND.LABEL\nUndo\nEin\n");
     parser.AddResource("PROCMDNOWHERE.TXT", "] COMMAND.LABEL\nA very long label\nEine sehr lange Beschriftung\n");
     ASSERT_TRUE(parser.WriteMNUFile(path)) << parser.failure();
-    EXPECT_EQ(content(),
-              "# PTC Creo menubar file\n"
-              " \n"
-              "[Modes]\n"
-              "Sketcher        = 1\nPart            = 2\nSheet_Metal     = 3\nComposite       = 4\n"
-              "Scan_Model      = 5\nAssembly        = 6\nDrawing         = 7\nManufacture     = 8\n"
-              "Mold            = 9\nCast            = 10\nDieface         = 11\nLayout          = 12\n"
-              "Format          = 13\nReport          = 14\nMarkup          = 15\nDiagram         = 16\n"
-              "Interchange     = 17\nLegacy          = 18\nUser_Defined    = 19\nVerify          = 20\n"
-              "Process         = 21\nNc_Model        = 22\nDefault         = 23\n"
-              " \n"
-              "[MenuBar]\n"
-              "0Orbikon        = {}\n"
-              "1Toggle Scroll Mode= {}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's "
-              "cap on and off.\n"
-              "1Toggle Move Mode= {+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an "
-              "assembly on and off.\n"
-              "0EDIT_MENU      = {}\n"
-              "Ein             = {}ProCmdEditUndo|\n"
-              "Einpassen       = {}ProCmdViewRefit|Alles.\n"
-              "0VIEW_MENU      = {}\n"
-              "Einpassen       = {}ProCmdViewRefit|Alles.\n"
-              "Schattieren     = {}ProCmdEnvMdlDisp*Shading|\n"
-              " ");
-    EXPECT_THAT(filesInFolder(), ElementsAre("Creo.mnu"));
+    EXPECT_EQ(
+        bytesOf(path),
+        inTextMode(
+            "# PTC Creo menubar file\n"
+            " \n"
+            "[Modes]\n"
+            "Sketcher        = 1\nPart            = 2\nSheet_Metal     = 3\nComposite       = 4\n"
+            "Scan_Model      = 5\nAssembly        = 6\nDrawing         = 7\nManufacture     = 8\n"
+            "Mold            = 9\nCast            = 10\nDieface         = 11\nLayout          = 12\n"
+            "Format          = 13\nReport          = 14\nMarkup          = 15\nDiagram         = 16\n"
+            "Interchange     = 17\nLegacy          = 18\nUser_Defined    = 19\nVerify          = 20\n"
+            "Process         = 21\nNc_Model        = 22\nDefault         = 23\n"
+            " \n"
+            "[MenuBar]\n"
+            "0Orbikon        = {}\n"
+            "1Toggle Scroll Mode= {}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's "
+            "cap on and off.\n"
+            "1Toggle Move Mode= {+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an "
+            "assembly on and off.\n"
+            "0EDIT_MENU      = {}\n"
+            "Ein             = {}ProCmdEditUndo|\n"
+            "Einpassen       = {}ProCmdViewRefit|Alles.\n"
+            "0VIEW_MENU      = {}\n"
+            "Einpassen       = {}ProCmdViewRefit|Alles.\n"
+            "Schattieren     = {}ProCmdEnvMdlDisp*Shading|\n"
+            " "));
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre("Creo.mnu"));
+}
+
+TEST_F(MenuFile, FollowsTheLanguage) {
+    struct Case {
+        const char *language, *label, *ownItem;
+    };
+    MNUParser parser;
+    for (const auto& [language, label, ownItem] : {Case{"english", "\nShading ", "1Toggle Scroll Mode"},
+                                                   {"german", "\nSchattieren ", "1Fensterrollmodus umschalten"},
+                                                   {"French", "\nSchattieren ", "1Toggle Scroll Mode"}}) {
+        parser.start(nullptr, language);
+        parser.AddResource("VIEW_MENU_PANE.RES", "ProCmdViewShaded");
+        parser.AddResource("PROCMDVIEWSHADED.TXT", "] COMMAND.LABEL\nShading\n&Schattieren\n");
+        ASSERT_TRUE(parser.WriteMNUFile(path)) << parser.failure();
+        EXPECT_THAT(textOf(path), HasSubstr(label));
+        EXPECT_THAT(textOf(path), HasSubstr(ownItem));
+        EXPECT_EQ(commandsReadBack().size(), 3u) << "nothing is left of the language before";
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(MenuFile, ProgressGrowsInFixedStepsToALimit) {
+    constexpr double kPane = 0.006, kCommand = 0.00017142857142857145, kMenu = (1.0 - 0.9) / 2;
+    std::atomic<double> progress{0.0};
+    MNUParser parser;
+    parser.start(&progress, "english");
+    const auto pane = [&] { parser.AddResource("VIEW_PANE.RES", "ProCmdOne"); };
+    const auto other = [&] { parser.AddResource("VIEW.RES", "ProCmdOne"); };
+    const auto command = [&] { parser.AddResource("PROCMDONE.TXT", "] COMMAND.LABEL\nOne\n"); };
+    const auto unnamed = [&] { parser.AddResource("PROCMDONE.TXT", "none"); };
+    struct Case {
+        std::function<void()> action;
+        double from, to;
+    };
+    for (const auto& [action, from, to] : {Case{pane, 0.0, kPane},
+                                           {pane, 0.299, 0.3},
+                                           {pane, 0.3, 0.3},
+                                           {pane, 0.5, 0.5},
+                                           {pane, -1.0, -1.0},
+                                           {other, 0.1, 0.1},
+                                           {command, 0.3, 0.3 + kCommand},
+                                           {unnamed, 0.0, kCommand},
+                                           {command, 0.8999, 0.9},
+                                           {command, 0.95, 0.95}}) {
+        progress = from;
+        action();
+        EXPECT_EQ(progress, to) << from;
+    }
+    parser.AddResource("EDIT_PANE.RES", "ProCmdOne");
+    command();
+    for (const auto& [from, to] : {std::pair{0.25, 0.25 + kMenu + kMenu}, {0.9, 0.999999}}) {
+        progress = from;
+        ASSERT_TRUE(parser.WriteMNUFile(path));
+        EXPECT_EQ(progress, to);
+        std::filesystem::remove(path);
+    }
 }
 
 struct RecordCase {
@@ -154,28 +187,27 @@ TEST_F(MenuFile, LeavesOutAMenuWithoutReadableCommandsAndItsWidth) {
     const CommandRecord unreadable{"X", "ProCmdX", "# a label much longer than the others", ""};
     const CommandRecord readable{"Y", "ProCmdY", "Short", ""};
     ASSERT_EQ(writeMenuFile(path, {{"0M", {&unreadable}}, {"0N", {&readable}}}, {.isGerman = true}), std::nullopt);
-    EXPECT_THAT(content(), testing::Not(HasSubstr("0M")));
-    EXPECT_THAT(content(), HasSubstr("\n0N        = {}\nShort     = {}ProCmdY|\n "));
-    EXPECT_THAT(content(), HasSubstr("1Bewegungsmodus umschalten= {+ 6}OB_Toggle_Object_Move_Mode|Schaltet"));
+    EXPECT_THAT(textOf(path), testing::Not(HasSubstr("0M")));
+    EXPECT_THAT(textOf(path), HasSubstr("\n0N        = {}\nShort     = {}ProCmdY|\n "));
+    EXPECT_THAT(textOf(path), HasSubstr("1Bewegungsmodus umschalten= {+ 6}OB_Toggle_Object_Move_Mode|Schaltet"));
 }
 
 TEST_F(MenuFile, IsNeverReplaced) {
-    std::ofstream(path) << "mine";
+    writeFile(path, "mine");
     MNUParser parser;
     EXPECT_FALSE(parser.WriteMNUFile(path));
     EXPECT_THAT(parser.failure(), HasSubstr("exists already"));
-    EXPECT_EQ(content(), "mine");
-    EXPECT_THAT(filesInFolder(), ElementsAre("Creo.mnu"));
+    EXPECT_EQ(textOf(path), "mine");
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre("Creo.mnu"));
 }
 
 // Somebody else's file that appears while this one is being written stays as it is.
 TEST_F(MenuFile, DoesNotReplaceOneThatAppearsMeanwhile) {
     const CommandRecord record{"X", "ProCmdX", "label", ""};
-    const auto reason =
-        writeMenuFile(path, {{"0M", {&record}}}, {.afterMenu = [&] { std::ofstream(path) << "other"; }});
+    const auto reason = writeMenuFile(path, {{"0M", {&record}}}, {.afterMenu = [&] { writeFile(path, "other"); }});
     EXPECT_TRUE(reason.has_value());
-    EXPECT_EQ(content(), "other");
-    EXPECT_THAT(filesInFolder(), ElementsAre("Creo.mnu"));
+    EXPECT_EQ(textOf(path), "other");
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre("Creo.mnu"));
 }
 
 TEST_F(MenuFile, LeavesNothingBehindWhenCancelled) {
@@ -184,30 +216,45 @@ TEST_F(MenuFile, LeavesNothingBehindWhenCancelled) {
     const MenuTables::Menus menus = {{"0M", {&record}}, {"0N", {&record}}};
     const auto reason = writeMenuFile(path, menus, {.cancel = &cancel, .afterMenu = [&] { cancel = true; }});
     EXPECT_TRUE(reason.has_value());
-    EXPECT_THAT(filesInFolder(), IsEmpty());
+    EXPECT_THAT(namesIn(folder.path()), IsEmpty());
 }
 
 TEST_F(MenuFile, FailsInAFolderThatDoesNotExist) {
     MNUParser parser;
-    EXPECT_FALSE(parser.WriteMNUFile((folder / "missing" / "Creo.mnu").string()));
+    EXPECT_FALSE(parser.WriteMNUFile(folder.file("missing") + kPathSeparator + "Creo.mnu"));
     EXPECT_FALSE(parser.failure().empty());
-    EXPECT_THAT(filesInFolder(), IsEmpty());
+    EXPECT_THAT(namesIn(folder.path()), IsEmpty());
 }
 
 #ifndef _WIN32
 TEST_F(MenuFile, LeavesNothingBehindWhenTheDiskIsFull) {
     const CommandRecord record{"X", "ProCmdX", "label", std::string(100'000, 'x')};
-    rlimit before;
-    getrlimit(RLIMIT_FSIZE, &before);
-    rlimit small = before;
-    small.rlim_cur = 50'000;
-    std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    const auto reason = writeMenuFile(path, {{"0M", {&record}}}, {});
-    setrlimit(RLIMIT_FSIZE, &before);
+    std::optional<std::string> reason;
+    {
+        const FullDisk full(50'000);
+        reason = writeMenuFile(path, {{"0M", {&record}}}, {});
+    }
     EXPECT_TRUE(reason.has_value());
-    EXPECT_THAT(filesInFolder(), IsEmpty());
+    EXPECT_THAT(namesIn(folder.path()), IsEmpty());
 }
 #endif
+
+TEST_F(MenuFile, AppearsWholeOrNotAtAllWhateverFails) {
+    const auto write = [&] {
+        MNUParser parser;
+        parser.start(nullptr, "english");
+        parser.AddResource("VIEW_MENU_PANE.RES", "ProCmdViewShaded");
+        parser.AddResource("PROCMDVIEWSHADED.TXT", "] COMMAND.LABEL\nShading\n");
+        parser.WriteMNUFile(path);
+    };
+    write();
+    const std::string whole = bytesOf(path);
+    const auto check = [&](const std::string& which) -> std::string {
+        if (isNameTaken(path) && bytesOf(path) != whole) return "half a file";
+        std::filesystem::remove(path);
+        return namesIn(folder.path()).empty() || which == "remove 1" ? "" : "rest";
+    };
+    EXPECT_THAT(substitute::failEachCall(write, check), IsEmpty());
+}
 
 }  // namespace

@@ -1,114 +1,156 @@
 #include "tests/substitutes/system.h"
 
-#include <thread>
+#include <semaphore.h>
 
-namespace substitute {
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <new>
+#include <string>
 
 namespace {
 
-std::thread::id testThread;
+struct Kind {
+    substitute::Call call;
+    const char* name;
+};
+constexpr Kind kKinds[] = {
+    {substitute::Call::allocation, "allocation"},  {substitute::Call::semInit, "sem_init"},
+    {substitute::Call::semDestroy, "sem_destroy"}, {substitute::Call::semWait, "sem_wait"},
+    {substitute::Call::semPost, "sem_post"},       {substitute::Call::link, "link"},
+    {substitute::Call::remove, "remove"},          {substitute::Call::rename, "rename"},
+};
 
-template <typename Function>
-Function* inWindows(const char* library, const char* name) {
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(library), name)));
+std::atomic<substitute::Call> failingCall{};
+std::atomic<long> callsLeft{0};  // the failing one included; 0 = none fails (any more)
+std::atomic<long> allocationCount{0};
+std::atomic<int> heldCount{0};
+std::atomic<std::chrono::steady_clock::rep> clockOffset{0};
+
+bool isToFail(substitute::Call call) {
+    if (callsLeft == 0 || failingCall != call || --callsLeft != 0) return false;
+    errno = substitute::kCallError;
+    return true;
 }
 
-UINT_PTR WINAPI setTimer(HWND window, UINT_PTR id, UINT interval, TIMERPROC proc) {
-    SetLastError(ERROR_NO_SYSTEM_RESOURCES);
-    if (system().areTimersRefused) return 0;
-    system().timersSet.push_back({window, id, interval});
-    system().timerProc = proc;
-    return id;
-}
-
-BOOL WINAPI killTimer(HWND window, UINT_PTR id) {
-    system().timersKilled.push_back({window, id, 0});
-    return TRUE;
-}
-
-BOOL WINAPI getCursorPos(POINT* point) {
-    if (!system().pointer) return FALSE;
-    *point = *system().pointer;
-    return TRUE;
-}
-
-HWND WINAPI windowFromPoint(POINT) { return system().underPointer; }
-
-HWND WINAPI getForegroundWindow() { return system().inFront; }
-
-DWORD WINAPI getWindowThreadProcessId(HWND window, DWORD* process) {
-    static const auto real = inWindows<decltype(GetWindowThreadProcessId)>("user32", "GetWindowThreadProcessId");
-    const DWORD thread = real(window, process);
-    if (process != nullptr && window != nullptr && window == system().ofOtherProcess) ++*process;
-    return thread;
-}
-
-BOOL WINAPI updateWindow(HWND window) {
-    system().updated.push_back(window);
-    return TRUE;
-}
-
-BOOL WINAPI redrawWindow(HWND window, const RECT* rect, HRGN region, UINT flags) {
-    if (rect == nullptr && region == nullptr && flags == RDW_INVALIDATE) system().invalidated.push_back(window);
-    return TRUE;
-}
-
-LRESULT WINAPI sendMessageTimeout(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT flags, UINT timeout,
-                                  PDWORD_PTR result) {
-    static const auto real = inWindows<decltype(SendMessageTimeoutA)>("user32", "SendMessageTimeoutA");
-    constexpr UINT kPatience = 60000;
-    system().timeouts.push_back(timeout);
-    system().clock += system().answerTime;
-    const bool isLimited = (flags & SMTO_ABORTIFHUNG) != 0 && !system().isAnswering;
-    return real(window, message, wParam, lParam, flags, isLimited ? timeout : kPatience, result);
-}
-
-void WINAPI sleep(DWORD ms) {
-    static const auto real = inWindows<decltype(Sleep)>("kernel32", "Sleep");
-    if (std::this_thread::get_id() == testThread) {
-        system().pauses.push_back(ms);
-    } else {
-        real(ms);
-    }
-}
-
-ULONGLONG WINAPI getTickCount64() {
-    static const auto real = inWindows<decltype(GetTickCount64)>("kernel32", "GetTickCount64");
-    return std::this_thread::get_id() == testThread ? system().clock : real();
+// Counted where the system tells it.
+std::ptrdiff_t openFiles() {
+#ifdef __linux__
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+#else
+    return 0;
+#endif
 }
 
 }  // namespace
 
-void System::reset() {
-    *this = {};
-    testThread = std::this_thread::get_id();
+namespace substitute {
+
+NthFails::NthFails(Call call, long n) {
+    failingCall = call;
+    callsLeft = n;
 }
 
-System& system() {
-    static System theSystem;
-    return theSystem;
+NthFails::~NthFails() { callsLeft = 0; }
+
+bool NthFails::hasFailed() const { return callsLeft == 0; }
+
+std::vector<std::string> failEachCall(const std::function<void()>& operation,
+                                      const std::function<std::string(const std::string& which)>& check) {
+    std::vector<std::string> faults;
+    const int held = heldCount;
+    const auto open = openFiles();
+    int failed = 0;
+    for (const auto& [call, name] : kKinds) {
+        bool hasFailed = true;
+        for (long n = 1; hasFailed; ++n) {
+            try {
+                const NthFails fails(call, n);
+                operation();
+                hasFailed = fails.hasFailed();
+            } catch (const std::bad_alloc&) {
+                hasFailed = true;
+            }
+            failed += hasFailed;
+            const std::string which = name + (" " + std::to_string(n));
+            if (heldCount != held) {
+                std::cerr << "The lock is wrong after " << which << std::endl;  // and may hold up whatever comes
+                return {"lock after " + which};
+            }
+            if (const std::string fault = check(which); !fault.empty()) faults.push_back(fault + " after " + which);
+            if (openFiles() != open) faults.push_back("open file after " + which);
+        }
+    }
+    if (failed < 2) faults.emplace_back("nothing to fail");
+    return faults;
 }
+
+long allocations() { return allocationCount; }
+
+void advanceClock(std::chrono::steady_clock::duration time) { clockOffset += time.count(); }
 
 }  // namespace substitute
 
-// A program calls Windows through pointers of these names, which otherwise come from the import libraries.
-#ifdef __i386__
-#define POINTER_TO(name, argumentBytes) asm("__imp__" #name "@" #argumentBytes)
-#else
-#define POINTER_TO(name, argumentBytes) asm("__imp_" #name)
-#endif
-#define REPLACE(name, argumentBytes, function)                                         \
-    extern "C" const decltype(&(name)) replaced##name POINTER_TO(name, argumentBytes); \
-    const decltype(&(name)) replaced##name = substitute::function
+using substitute::Call;
 
-REPLACE(SetTimer, 16, setTimer);
-REPLACE(KillTimer, 8, killTimer);
-REPLACE(GetCursorPos, 4, getCursorPos);
-REPLACE(WindowFromPoint, 8, windowFromPoint);
-REPLACE(GetForegroundWindow, 0, getForegroundWindow);
-REPLACE(GetWindowThreadProcessId, 8, getWindowThreadProcessId);
-REPLACE(UpdateWindow, 4, updateWindow);
-REPLACE(RedrawWindow, 16, redrawWindow);
-REPLACE(SendMessageTimeoutA, 28, sendMessageTimeout);
-REPLACE(Sleep, 4, sleep);
-REPLACE(GetTickCount64, 0, getTickCount64);
+void* operator new(std::size_t size) {
+    ++allocationCount;
+    if (!isToFail(Call::allocation)) {
+        if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept { std::free(memory); }
+
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+// The linker sends the plug-in's calls here, and gives the functions their names.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+#define REAL_AND_WRAP(result, name, ...) \
+    result __real_##name(__VA_ARGS__);   \
+    result __wrap_##name(__VA_ARGS__)
+
+extern "C" {
+REAL_AND_WRAP(int, sem_init, sem_t* semaphore, int isShared, unsigned value) {
+    const int status = __real_sem_init(semaphore, isShared, value);
+    return isToFail(Call::semInit) ? -1 : status;
+}
+
+REAL_AND_WRAP(int, sem_destroy, sem_t* semaphore) {
+    const int status = __real_sem_destroy(semaphore);
+    return isToFail(Call::semDestroy) ? -1 : status;
+}
+
+REAL_AND_WRAP(int, sem_wait, sem_t* semaphore) {
+    if (isToFail(Call::semWait)) return -1;
+    const int status = __real_sem_wait(semaphore);
+    if (status == 0) ++heldCount;
+    return status;
+}
+
+REAL_AND_WRAP(int, sem_post, sem_t* semaphore) {
+    --heldCount;
+    const int status = __real_sem_post(semaphore);
+    return isToFail(Call::semPost) ? -1 : status;
+}
+
+REAL_AND_WRAP(int, remove, const char* path) { return isToFail(Call::remove) ? -1 : __real_remove(path); }
+
+REAL_AND_WRAP(int, rename, const char* from, const char* to) {
+    return isToFail(Call::rename) ? -1 : __real_rename(from, to);
+}
+
+#ifndef _WIN32
+REAL_AND_WRAP(int, link, const char* from, const char* to) { return isToFail(Call::link) ? -1 : __real_link(from, to); }
+#endif
+
+using Time = std::chrono::steady_clock::time_point;
+Time __real__ZNSt6chrono3_V212steady_clock3nowEv();
+Time __wrap__ZNSt6chrono3_V212steady_clock3nowEv() {
+    return __real__ZNSt6chrono3_V212steady_clock3nowEv() + std::chrono::steady_clock::duration(clockOffset.load());
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)

@@ -1,49 +1,40 @@
-// Stands in for some of Windows' own functions in the test program that links it, so that neither pointer, display nor
-// clock of the machine matters: what the plug-in asks is answered from here, what it does is noted. All others are
-// Windows' own. For one thread, but for those that hang.
+// What the plug-in asks of the system, as a test wants it: memory and calls that fail, and a clock that jumps. For test
+// programs that link the library system_substitute; one test thread.
 #pragma once
 
-#include <windows.h>
-
-#include <optional>
+#include <chrono>
+#include <functional>
+#include <string>
 #include <vector>
 
 namespace substitute {
 
-struct System {
-    // --- Timers: noted only. A test ticks by itself. ---
-    struct Timer {
-        HWND window;
-        UINT_PTR id;
-        UINT interval;
-        bool operator==(const Timer&) const = default;
-    };
-    std::vector<Timer> timersSet;
-    std::vector<Timer> timersKilled;  // interval 0
-    bool areTimersRefused = false;
-    TIMERPROC timerProc = nullptr;
-    void tick() const { timerProc(nullptr, WM_TIMER, 0, 0); }
+enum class Call { allocation, semInit, semDestroy, semWait, semPost, link, remove, rename };
+inline constexpr int kCallError = 28;  // errno of a call that fails: ENOSPC
 
-    // --- Pointer and windows ---
-    std::optional<POINT> pointer = POINT{};  // none: it cannot be told
-    HWND underPointer = nullptr;
-    HWND inFront = nullptr;
-    HWND ofOtherProcess = nullptr;
-    std::vector<HWND> updated;
-    std::vector<HWND> invalidated;
+// Lets one call of a kind fail for the time of a scope: the nth, counted from 1. A post that fails releases all the
+// same, and a semaphore whose initialisation fails works, so that the test can go on.
+class NthFails {
+  public:
+    NthFails(Call call, long n);
+    ~NthFails();
+    NthFails(const NthFails&) = delete;
+    NthFails& operator=(const NthFails&) = delete;
 
-    // --- Time, in milliseconds: on the thread that called reset() nobody sleeps, and the clock goes by hand ---
-    std::vector<DWORD> pauses;
-    ULONGLONG clock = 1000;
-    // Messages with a time limit: what they were given, and what their answer takes. Without a limit of its own a
-    // window that answers has all the time that a busy machine makes it need.
-    std::vector<UINT> timeouts;
-    ULONGLONG answerTime = 0;
-    bool isAnswering = true;
-
-    void reset();
+    bool hasFailed() const;  // so far
 };
 
-System& system();
+// Runs the operation again and again: each time the next one of its calls fails, of one kind after the other, until
+// none is left to fail. What the operation throws then, for lack of memory, ends it and nothing else. `check` follows
+// each run, with everything working: it gets a text that tells which call it was, puts things back and answers what is
+// wrong, or nothing. Result: all that was wrong, a lock or a file left open and an operation that calls nothing
+// included.
+std::vector<std::string> failEachCall(const std::function<void()>& operation,
+                                      const std::function<std::string(const std::string& which)>& check);
+
+long allocations();  // that operator new has handed out
+
+// Lets std::chrono::steady_clock jump ahead.
+void advanceClock(std::chrono::steady_clock::duration time);
 
 }  // namespace substitute

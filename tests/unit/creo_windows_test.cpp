@@ -20,8 +20,8 @@
 #include "common_sources/life_cycle.h"
 #include "common_sources/settings.h"
 #include "tests/substitutes/driver.h"
-#include "tests/substitutes/system.h"
 #include "tests/substitutes/toolkit.h"
+#include "tests/substitutes/windows_calls.h"
 #include "tests/unit/scratch.h"
 
 namespace {

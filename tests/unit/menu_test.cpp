@@ -1,4 +1,5 @@
 // Loading of the menu file, whatever state it is in.
+#include "tests/substitutes/system.h"
 #include "tests/unit/plugin.h"
 
 namespace {
@@ -101,12 +102,61 @@ TEST_F(Menu, GenerationDecidesWhatIsLoaded) {
     }
 }
 
-TEST_F(Menu, FolderInPlaceOfTheFileEndsTheLoading) {
+// A folder in the file's place stands for a file that another program holds. The device is served meanwhile.
+TEST_F(Menu, FileThatCannotBeOpenedIsTriedAgainForHalfAMinute) {
+    using std::chrono::seconds;
+    substitute::windows().generate = [](const std::string&) {
+        ADD_FAILURE() << "generated over what is there";
+        return GenerationEnd::failed;
+    };
+    const auto tick = [&](seconds later) {
+        substitute::advanceClock(later);
+        creo().loadMenufile();
+        EXPECT_EQ(handOver().menuFileProgress, 1.0);
+        return creo().isMenuFileAwaited();
+    };
+    const std::string name = "Menu file '" + menuFile() + "' ";
+    for (const bool isFreed : {true, false}) {
+        start();
+        EXPECT_TRUE(creo().isMenuFileAwaited());
+        std::filesystem::create_directory(menuFile());
+        newLog();
+        EXPECT_TRUE(tick(seconds(0)));
+        EXPECT_THAT(newLog(), testing::ElementsAre("WRN " + name +
+                                                   "cannot be read, trying again for 30 s; close the "
+                                                   "program that holds it."));
+        EXPECT_TRUE(tick(seconds(20)));
+        std::filesystem::remove(menuFile());
+        EXPECT_TRUE(tick(seconds(0))) << "perhaps it is being replaced";
+        EXPECT_THAT(newLog(), testing::IsEmpty());
+        if (isFreed) writeMenuFile("[MenuBar]\na = {}one|h\n");
+        EXPECT_FALSE(tick(seconds(10)));
+        EXPECT_THAT(newLog(), Contains(isFreed ? "TRC " + name + "with 1 entries loaded."
+                                               : "ERR " + name +
+                                                     "could not be read, buttons run no commands; close "
+                                                     "the program that holds it and start Creo again."));
+        EXPECT_EQ(entries(), isFreed ? 1 : 0);
+        std::filesystem::remove(menuFile());
+        EXPECT_FALSE(tick(seconds(0))) << "at its end";
+        stop();
+    }
+}
+
+TEST_F(Menu, EachCallMayFailWhileItIsLoaded) {
     start();
-    std::filesystem::create_directory(menuFile());
-    creo().loadMenufile();
-    EXPECT_EQ(handOver().menuFileProgress, 1.0);
-    EXPECT_EQ(entries(), 0);
+    writeMenuFile("[Modes]\nA = 1\n\n[MenuBar]\na = {}" + std::string(100, 'c') + "|h\nb = {}two|h\n");
+    handOver().mode = 0;
+    const auto firstTick = [&] {
+        handOver().menuFileProgress = HandOver::kProgressNotStarted;
+        creo().loadMenufile();
+    };
+    const auto check = [&](const std::string&) {
+        if (creo().isMenuFileAwaited()) creo().loadMenufile();  // the next tick
+        const bool isLoaded = !creo().isMenuFileAwaited() && handOver().modeName() == "A" && entries() == 2;
+        handOver().publishModeNames({});
+        return isLoaded ? "" : "no menu file";
+    };
+    EXPECT_THAT(substitute::failEachCall(firstTick, check), testing::IsEmpty());
 }
 
 TEST_F(Menu, GenerationThatThrowsEndsTheLoading) {
@@ -114,6 +164,8 @@ TEST_F(Menu, GenerationThatThrowsEndsTheLoading) {
     start();
     EXPECT_THROW(creo().loadMenufile(), std::bad_alloc);
     EXPECT_EQ(handOver().menuFileProgress, 1.0);
+    EXPECT_NO_THROW(creo().loadMenufile()) << "it is over: nothing is generated any more";
+    EXPECT_FALSE(creo().isMenuFileAwaited());
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tests/unit/allocations.h"
+#include "tests/substitutes/system.h"
 #include "tests/unit/plugin.h"
 #include "tests/unit/quaternion.h"
 
@@ -545,17 +545,18 @@ TEST_F(Motion, StandsTheFailureOfEachAllocation) {
     selectThree();
     tick({{4, 0, 0, 0, 0, 300}});  // what stands in for the host allocates in each function's first call
     bool isOver = false;
-    for (long allocation = 0; !isOver; ++allocation) {
+    for (long allocation = 1; !isOver; ++allocation) {
         ASSERT_LT(allocation, 10000) << "a tick takes ever more";
         handOver().specialEvent = 0x20009;
         handOver().applFunction = 7;
         selectThree();
         toolkit().onCall("ProWindowRefresh", [this] { release(); });
         setAxes({4, 0, 0, 0, 0, 300});
-        failAllocation(allocation);
-        creo().doTransform();
-        isOver = !hasAllocationFailed();
-        failAllocation(-1);
+        {
+            const substitute::NthFails fails(substitute::Call::allocation, allocation);
+            creo().doTransform();
+            isOver = !fails.hasFailed();
+        }
         ASSERT_EQ(toolkit().selectionArrays, 0) << allocation;
         ASSERT_FALSE(toolkit().isDynamic) << allocation;
         endMove();

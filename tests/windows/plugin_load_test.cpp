@@ -3,11 +3,9 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <vector>
 
+#include "tests/unit/scratch.h"
 #include "tests/windows/process_state.h"
 
 namespace {
@@ -57,36 +55,30 @@ class ModuleImage {
 
 class PluginLoad : public ::testing::Test {
   protected:
-    void SetUp() override {
-        mPath = programFolder() + "\\" + PLUGIN_FROM_TESTS;
-        mProfile = programFolder() + "\\profile_" + std::to_string(GetCurrentProcessId());
-        const std::string folder = mProfile + "\\OrbikonController\\Applications";
-        std::filesystem::create_directories(folder);
-        std::ofstream(logFile()).flush();  // empty, whatever an earlier test or process has left
-        // Everything is logged, so that the threads are inside the log as often as can be.
-        std::ofstream(folder + "\\Creo_plugin.ini")
-            << "[PROGRAM]\n\ttransSensBase = 40000\n\trotSensBase = 10000\n\tmaxContMoveTime = "
-               "100\n\tuseMapkeyForCommands = on\n"
-            << "\n[LOGGING]\n\tlogFile = log.txt\n\tmaxSize = 100\n\tlogToFile = on\n\twarning = on\n"
-            << "\tcreation = on\n\ttrace = on\n\tinfo = on\n\tdebug = on\n\ttmp = on\n\tfileToLog =\n";
-        SetEnvironmentVariableA("USERPROFILE", mProfile.c_str());
-        _putenv_s("USERPROFILE", mProfile.c_str());
+    PluginLoad() {
+        std::filesystem::create_directories(mProfile.file("OrbikonController\\Applications"));
+        writeSettings("log.txt");
+        setVariable("USERPROFILE", mProfile.path().c_str());
     }
 
-    std::string logFile() const { return mProfile + "\\OrbikonController\\log.txt"; }
-    std::string log() const {
-        std::ostringstream text;
-        text << std::ifstream(logFile()).rdbuf();
-        return text.str();
+    // Everything is logged, so that the threads are inside the log as often as can be.
+    void writeSettings(const std::string& logFile) const {
+        writeFile(mProfile.file("OrbikonController\\Applications\\Creo_plugin.ini"),
+                  "[PROGRAM]\n\ttransSensBase = 40000\n\trotSensBase = 10000\n\tmaxContMoveTime = 100\n"
+                  "\tuseMapkeyForCommands = on\n\n[LOGGING]\n\tlogFile = " +
+                      logFile +
+                      "\n\tmaxSize = 100\n\tlogToFile = on\n\twarning = on\n\tcreation = on\n\ttrace = on\n"
+                      "\tinfo = on\n\tdebug = on\n\ttmp = on\n\tfileToLog =\n");
     }
+    std::string log() const { return textOf(mProfile.file("OrbikonController\\log.txt")); }
 
     template <typename Function>
     static Function* find(HMODULE module, const char* name) {
         return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
     }
 
-    std::string mPath;
-    std::string mProfile;
+    const std::string mPath = programFolder() + "\\" + PLUGIN_FROM_TESTS;
+    const ScratchFolder mProfile;
 };
 
 TEST_F(PluginLoad, ExportsTwoFunctionsAndImportsOnlyWhatEveryWindowsHas) {
@@ -147,12 +139,11 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
 TEST_F(PluginLoad, StandsADriverInTrouble) {
     constexpr int kReads = 20;
     constexpr ULONGLONG kLeastPauseMs = 9;  // the system's clock ticks that coarsely
-    std::filesystem::copy_file(mPath, mProfile + "\\plugin.dll", std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::copy_file(programFolder() + "\\troubled_driver.dll", mProfile + "\\obk_ctrlr_32.dll",
-                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(mPath, mProfile.file("plugin.dll"));
+    std::filesystem::copy_file(programFolder() + "\\troubled_driver.dll", mProfile.file("obk_ctrlr_32.dll"));
     const HWND window =
         CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-    const HMODULE plugin = LoadLibraryA((mProfile + "\\plugin.dll").c_str());
+    const HMODULE plugin = LoadLibraryA(mProfile.file("plugin.dll").c_str());
     ASSERT_NE(plugin, nullptr) << GetLastError();
     EXPECT_EQ(find<int()>(plugin, "user_initialize")(), 0);
     const HMODULE driver = GetModuleHandleA("obk_ctrlr_32.dll");
@@ -190,9 +181,11 @@ TEST_F(PluginLoad, StandsADriverInTrouble) {
     DestroyWindow(window);
 }
 
-TEST_F(PluginLoad, ProcessEndsWithoutTerminate) {
-    for (int round = 0; round < 3; ++round) {
-        std::string command = "\"" + programFolder() + "\\exit_without_terminate.exe\" \"" + mPath + "\"";
+TEST_F(PluginLoad, ProcessEndsInEveryState) {
+    const std::string pipe = "\\\\.\\pipe\\orbikon_log_" + std::to_string(processId());
+    for (const std::string& end : {std::string("running"), std::string("terminated"), pipe}) {
+        writeSettings(end == pipe ? pipe : "log.txt");
+        std::string command = "\"" + programFolder() + "\\exit_without_terminate.exe\" \"" + mPath + "\" " + end;
         STARTUPINFOA startup{};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION process{};
@@ -204,8 +197,10 @@ TEST_F(PluginLoad, ProcessEndsWithoutTerminate) {
         if (waited != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 1);
         CloseHandle(process.hThread);
         CloseHandle(process.hProcess);
-        ASSERT_EQ(waited, WAIT_OBJECT_0) << "hangs at its end";
-        EXPECT_EQ(code, 42u);
+        ASSERT_EQ(waited, WAIT_OBJECT_0) << end << ": hangs at its end";
+        EXPECT_EQ(code, 42u) << end;
+        if (end == pipe) continue;
+        EXPECT_EQ(log().ends_with("| Logging::~Logging(): destructing ...\n"), end == "terminated") << end;
     }
 }
 

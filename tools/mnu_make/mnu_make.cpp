@@ -4,13 +4,13 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu/mnu_parser.h"
+#include "config/new_file.h"
 
 namespace {
 
@@ -63,7 +63,7 @@ int fail(ExitCode code, const std::string& text) {
 }
 
 int makeMenuFile(const Arguments& arguments) {
-    if (std::ifstream(arguments.outputFile)) {
+    if (isNameTaken(arguments.outputFile)) {
         return fail(kFileExists, "'" + arguments.outputFile + "' exists already; remove it or name another file");
     }
     MNUParser parser;

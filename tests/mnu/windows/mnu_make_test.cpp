@@ -2,26 +2,14 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "tests/mnu/windows/data_folder.h"
+#include "tests/unit/scratch.h"
 
 namespace {
 
-std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class MnuMake : public testing::Test {
   protected:
-    MnuMake() {
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
-    }
-    ~MnuMake() override { std::filesystem::remove_all(folder); }
+    MnuMake() { std::filesystem::create_directories(folder); }
 
     // Exit code of the program; what it printed is in `printed`.
     DWORD run(const std::string& arguments) {
@@ -43,13 +31,14 @@ class MnuMake : public testing::Test {
             CloseHandle(process.hThread);
         }
         CloseHandle(output);
-        printed = readFile(outputPath);
+        printed = bytesOf(outputPath);
         return exitCode;
     }
 
     static std::string quoted(const std::string& text) { return "\"" + text + "\" "; }
 
-    const std::string folder = programFolder() + "mnu make test.tmp\\";
+    const ScratchFolder scratch;
+    const std::string folder = scratch.file("with blanks in its name\\");
     const std::string menuFile = folder + "Creo.mnu";
     const std::string data = dataFolder().substr(0, dataFolder().size() - 1);
     std::string printed;
@@ -58,10 +47,10 @@ class MnuMake : public testing::Test {
 TEST_F(MnuMake, MakesAMenuFileAndNeverReplacesOne) {
     EXPECT_EQ(run(quoted(data) + "French " + quoted(menuFile)), 0u) << printed;
     EXPECT_THAT(printed, testing::HasSubstr("100%"));
-    const std::string made = readFile(menuFile);
+    const std::string made = bytesOf(menuFile);
     EXPECT_THAT(made, testing::HasSubstr("ProCmdEnvMdlDisp"));
     EXPECT_EQ(run(quoted(data) + "german " + quoted(menuFile)), 3u) << printed;
-    EXPECT_EQ(readFile(menuFile), made);
+    EXPECT_EQ(bytesOf(menuFile), made);
 }
 
 TEST_F(MnuMake, TellsWhatIsWrong) {
