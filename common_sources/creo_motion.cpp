@@ -137,7 +137,6 @@ bool getScreenAxes(Vector3& ax, Vector3& ay, Vector3& az) {
     for (int i = 0; i < 3; ++i) {
         ProVector unit = {kIdentity3[i][0], kIdentity3[i][1], kIdentity3[i][2]};
         if (ProVectorTrfEval(unit, toModel, results[i]->data()) != PRO_TK_NO_ERROR) return false;
-        if (!isFinite(*results[i])) return false;
     }
     return true;
 }

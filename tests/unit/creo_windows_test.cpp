@@ -533,6 +533,7 @@ TEST_F(Mapkey, IsTypedIntoCreosMainWindowOnceTheTrailFileIsWritten) {
         << value.size();
     EXPECT_NE(value.find(L"\\\\orbikon-trail.txt`;"), std::wstring::npos);
     EXPECT_THAT(log(), HasSubstr("| Mapkey (5x) is set successfully to trailfile "));
+    EXPECT_THAT(log(), HasSubstr("\\\\orbikon-trail.txt!\n"));
     system().inFront = make(kPlain, tops[1]);  // in any window of Creo's
     creo->execApplFunction(0);
     EXPECT_EQ(bytesOf(trailFile()),

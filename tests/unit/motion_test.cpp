@@ -145,7 +145,7 @@ TEST_F(Motion, EachChangeOfTheCapIsLoggedOnce) {
 
 TEST_F(Motion, LegacyChannelStaysOnUnlessThePlugInUsesTheMotion) {
     startMoving();
-    toolkit().components[1] = kIdentity4;
+    addin->settings.mMaxContMoveTime = 1;
     struct Case {
         const char* what;
         ProMode mode;
@@ -170,12 +170,25 @@ TEST_F(Motion, LegacyChannelStaysOnUnlessThePlugInUsesTheMotion) {
         if (c.isSelected) toolkit().selection.push_back({1});
         substitute::windows().scrollKind = c.scrollKind;
         addin->settings.mScrollTreeAndList = c.isScrollingOn;
+        toolkit().components[1] = kIdentity4;
+        setAxes({4, 0, 0, 0, 0, 0});
         for (int tick = 0; tick < 3; ++tick) creo().doTransform();
         EXPECT_EQ(driver().legacyCom1(), c.legacyCom1) << c.what;
+        EXPECT_EQ(toolkit().components[1] != kIdentity4, c.legacyCom1 == 0 && c.scrollKind == 0) << c.what;
     }
     // One query and one call for each switch, however many ticks there were.
     EXPECT_EQ(driver().calls(Operation::getOption), 3);
     EXPECT_EQ(driver().calls(Operation::setOption), 6);
+    // Whoever ends the plug-in meanwhile gives the channel back for good.
+    substitute::windows().scrollKind = 1;
+    toolkit().mode = 5;
+    creo().checkMode(false);
+    creo().toggleComponentMove();
+    toolkit().onCall("ProMdlCurrentGet", [this] { handOver().isEnding = true; });
+    creo().doTransform();
+    EXPECT_EQ(driver().calls(Operation::getOption), 3);
+    toolkit().onCall("ProMdlCurrentGet", {});
+    handOver().isEnding = false;
 }
 
 TEST_F(Motion, ScrollingTakesTheMotionFirst) {
@@ -268,12 +281,13 @@ TEST_F(Motion, MovesAlongTheScreensAxes) {
                 toolkit().components = {{1, placedAt(10, 20, 30)}, {2, placedAt(-1, -2, -3)}};
                 toolkit().selection = {{1}, {2}};
                 Cap cap{};
-                cap.axes[i] = -40;
+                cap.axes[i] = scale == 1.0 ? 1 : -40;
                 tick(cap);
                 // A model vector times the view is a screen vector, so screen axis i is the model vector that the
                 // inverse view turns unit vector i into: column i of the rotation.
                 const Matrix4& view = toolkit().view;
-                const Vector step{-10 * view[0][i] / scale, -10 * view[1][i] / scale, -10 * view[2][i] / scale};
+                const double way = cap.way(i) / scale;
+                const Vector step{way * view[0][i], way * view[1][i], way * view[2][i]};
                 expectNear(row(toolkit().components[1], 3), {10 + step[0], 20 + step[1], 30 + step[2]}, 1e-9, "first");
                 expectNear(row(toolkit().components[2], 3), {-1 + step[0], -2 + step[1], -3 + step[2]}, 1e-9, "second");
                 EXPECT_EQ(row(toolkit().components[1], 0), (Vector{1, 0, 0}));
