@@ -152,8 +152,8 @@ class Monkey {
         if (!holds) throw Broken("these do not hold any more:\n" + joined(found));
     }
 
-    // Whatever happened before, without faults and with a fresh model the cap moves components again, and gives the
-    // motion back.
+    // Whatever happened before, without faults and with a fresh model the cap moves components again, and the motion is
+    // given back, every second time by the plug-in's end.
     void proveItWorks() {
         const auto require = [](const char* what, const std::function<bool()>& condition) {
             if (!waitFor(condition)) throw Broken(std::string("after all faults were ended, ") + what);
@@ -174,9 +174,17 @@ class Monkey {
         const std::vector<std::string> before = askHost("positions").lines;
         mBench.daemon("axes 200 0 0 0 0 0");
         require("the cap moves nothing", [&] { return askHost("positions").lines != before; });
+        if (++mProofs % 2 == 0) endAndStart();
         mBench.daemon("axes 0 0 0 0 0 0");
         askHost("select none");
         expectInvariants();
+    }
+
+    // In the middle of a motion.
+    void endAndStart() {
+        askHost("plugin terminate");
+        expectInvariants();
+        askHost("plugin initialize");
     }
 
     // Whether an item of the plug-in's menu is on or off; clicks it when it is not as wanted.
@@ -227,6 +235,7 @@ class Monkey {
     std::uint32_t mSeed = 0;
     int mNumber = 0;
     int mDone = 0;
+    int mProofs = 0;
     Counts mStart;
     std::deque<std::string> mLast;
 };
