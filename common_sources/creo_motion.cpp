@@ -75,11 +75,18 @@ class DynamicPositioning {
     explicit DynamicPositioning(ProAssembly assembly) : mAssembly(assembly) {
         ProAssemblyDynPosSet(mAssembly, PRO_B_TRUE);
     }
-    ~DynamicPositioning() { ProAssemblyDynPosSet(mAssembly, PRO_B_FALSE); }
+    ~DynamicPositioning() {
+        // Left on it would stay on: nothing else ever switches it off.
+        for (int tries = 0; tries < kTriesToSwitchOff; ++tries) {
+            if (ProAssemblyDynPosSet(mAssembly, PRO_B_FALSE) == PRO_TK_NO_ERROR) return;
+        }
+    }
     DynamicPositioning(const DynamicPositioning&) = delete;
     DynamicPositioning& operator=(const DynamicPositioning&) = delete;
 
   private:
+    static constexpr int kTriesToSwitchOff = 3;
+
     ProAssembly mAssembly;
 };
 
