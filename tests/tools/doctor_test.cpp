@@ -297,4 +297,18 @@ TEST(Doctor, ReportsForProgramsAndWithoutNames) {
     EXPECT_EQ(report.find("line 52\n"), std::string::npos);
 }
 
+// A table of the guide has a row for each id, in the order in which the doctor shows them.
+TEST(Guide, HasARowForEachId) {
+    std::vector<std::string> inGuide, inProgram;
+    for (const std::string& line : linesOf(textOf(USER_GUIDE))) {
+        const auto end = line.find("` |", 3);
+        if (!line.starts_with("| `") || end == std::string::npos) continue;
+        const std::string id = line.substr(3, end - 3);
+        // Other tables' first columns hold no points.
+        if (id.find('.') != std::string::npos) inGuide.push_back(id);
+    }
+    for (const Check& check : kChecks) inProgram.emplace_back(check.id);
+    EXPECT_EQ(inGuide, inProgram);
+}
+
 }  // namespace
