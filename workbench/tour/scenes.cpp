@@ -44,6 +44,10 @@ constexpr Scene kScenes[] = {
      "The daemon is killed. Host and plug-in go on; once a daemon is there again, the plug-in connects and tells its "
      "mode anew.",
      playDaemonLoss},
+    {"trouble", "Something is wrong: the doctor finds it",
+     "Somebody has edited the settings file and left an empty line in a section, which ends the section there. The cap "
+     "is dead; the doctor names line and remedy.",
+     playTrouble},
 };
 
 }  // namespace

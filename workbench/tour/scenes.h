@@ -30,5 +30,6 @@ void playCommandByMapkey(Stage& stage);
 void playStandardViews(Stage& stage);
 void playToggles(Stage& stage);
 void playDaemonLoss(Stage& stage);
+void playTrouble(Stage& stage);
 
 }  // namespace workbench
