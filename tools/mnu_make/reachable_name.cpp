@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <string_view>
+
 #include "common_sources/mnu/mnu_encoding.h"
 #include "tools/seat/file.h"
 
@@ -11,13 +13,15 @@ namespace {
 
 constexpr std::size_t kLongestPath = MAX_PATH - 1;
 
-// Without letters when there is none.
+// Empty when there is none. Paths behind the mark are taken as they are, so the folder is an absolute one with
+// backslashes.
 fs::path shortName(const fs::path& folder) {
-    // Behind this mark Windows takes a path of any length.
-    std::wstring name = LR"(\\?\)" + fs::path(folder).make_preferred().wstring();
+    // Behind this mark Windows takes a path of any length; a server's would have to be written in another way there.
+    const std::wstring_view mark = folder.native().starts_with(LR"(\\)") ? L"" : LR"(\\?\)";
+    const std::wstring name = std::wstring(mark) + folder.native();
     std::wstring result(GetShortPathNameW(name.c_str(), nullptr, 0), L'\0');
     result.resize(GetShortPathNameW(name.c_str(), result.data(), static_cast<DWORD>(result.size())));
-    return result.starts_with(LR"(\\?\)") ? result.substr(4) : result;
+    return result.starts_with(mark) ? result.substr(mark.size()) : result;
 }
 
 }  // namespace

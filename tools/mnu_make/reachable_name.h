@@ -9,6 +9,7 @@
 // Whether the code page has all letters of a text in UTF-8.
 bool isInCodePage(const std::string& utf8);
 
-// A name in the code page under which a folder can be reached, with `room` characters left for a backslash and a file's
-// name: its own, or its short one if it is there and its drive has short names. Nothing when there is none.
+// A name in the code page under which a folder (absolute, with backslashes) can be reached, with `room` characters
+// left for a backslash and a file's name: its own, or its short one if it is there and its drive has short names.
+// Nothing when there is none.
 std::optional<std::string> reachableName(const std::filesystem::path& folder, std::size_t room);
