@@ -305,6 +305,16 @@ TEST_F(Log, BackupThatCannotBeRemovedSilencesTheFileUntilInit) {
 }
 
 #ifndef _WIN32
+TEST_F(Log, FullDiskLosesTheLinesOfThatTimeOnly) {
+    init();
+    {
+        const FullDisk full(bytesOf(path()).size() + 10);
+        OB_LOG(LogLevel::ERR) << "cut";
+    }
+    OB_LOG(LogLevel::ERR) << "next";
+    EXPECT_TRUE(textOf(path()).ends_with("| next\n"));
+}
+
 // The folder of the log file is gone: nothing to remove, nothing to rename, nothing to open.
 TEST_F(Log, FolderThatVanishesIsReported) {
     ScratchFolder vanishing;
