@@ -204,6 +204,23 @@ TEST_F(MenuFile, LeavesOutAMenuWithoutReadableCommandsAndItsWidth) {
     EXPECT_THAT(textOf(path), HasSubstr("\n0N        = {}\nShort     = {}ProCmdY|\n "));
 }
 
+TEST_F(MenuFile, SubstitutesFourCommands) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"ProCmdViewWireframe", "ProCmdEnvMdlDisp*Wireframe"},
+        {"ProCmdViewShaded", "ProCmdEnvMdlDisp*Shading"},
+        {"ProCmdViewHiddenLine", "ProCmdEnvMdlDisp*Hidden line"},
+        {"ProCmdViewNoHidden", "ProCmdEnvMdlDisp*No hidden"},
+        {"ProCmdViewShadedX", "ProCmdViewShadedX"},
+        {"ProCmdViewshaded", "ProCmdViewshaded"},
+    };
+    for (const auto& [gathered, written] : cases) {
+        const CommandRecord record{"X", gathered, "label", ""};
+        ASSERT_EQ(writeMenuFile(path, {{"0M", {&record}}}, {}), std::nullopt);
+        EXPECT_EQ(commandsReadBack().back(), written);
+        std::filesystem::remove(path);
+    }
+}
+
 TEST_F(MenuFile, TellsInTheLogWhatBecameOfIt) {
     LoggingParameters parameters;
     parameters.mLogFile = folder.file("log.txt");
