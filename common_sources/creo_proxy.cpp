@@ -5,7 +5,6 @@
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/edge.h"
 #include "common_sources/hand_over.h"
-#include "common_sources/life_cycle.h"
 #include "common_sources/settings.h"
 #include "toolkit/pro_toolkit.h"
 
@@ -21,10 +20,6 @@ char kScrollCommand[] = "Orbikon_ToggleScrollMode";
 char kMoveLabel[] = "Toggle Move Mode";
 char kScrollLabel[] = "Toggle Scroll Mode";
 wchar_t kMessageFile[] = L"Orbikon.txt";
-
-// What callbacks reach, which carry no user data: the object, and whether it may be used.
-CreoProxy* instance = nullptr;
-LifeCycle* lifeCycleOfInstance = nullptr;
 
 // --- What Creo calls ---
 
@@ -116,17 +111,10 @@ constexpr std::array<Notification, 5> kNotifications{{
 
 }  // namespace
 
-CreoProxy::Visit::Visit() : mProxy(instance != nullptr && lifeCycleOfInstance->enter() ? instance : nullptr) {}
-
-CreoProxy::Visit::~Visit() {
-    if (mProxy != nullptr) lifeCycleOfInstance->leave();
-}
-
 CreoProxy::CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, LifeCycle& lifeCycle)
     : mSettings(settings), mHandOver(handOver), mLegacyCom1(legacyCom1) {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
-    instance = this;
-    lifeCycleOfInstance = &lifeCycle;
+    receiveCallbacks(lifeCycle);
     try {
         discoverWindows();
         registerAll();
@@ -158,12 +146,7 @@ void CreoProxy::unregister() {
     mHandOver.isEnding = true;
     killTimer();
     endGeneration();
-    instance = nullptr;
-}
-
-void CreoProxy::logFailure(const char* function, int err) {
-    if (err == PRO_TK_NO_ERROR || !mLogLimit.isDue(function)) return;
-    OB_LOG(LogLevel::ERR) << "Error in " << function << "()! err=" << err;
+    refuseCallbacks();
 }
 
 void CreoProxy::registerCommands() {
@@ -189,11 +172,4 @@ void CreoProxy::registerCommands() {
         if (command == nullptr) continue;
         logFailure("ProCmdDesignate", ProCmdDesignate(command, label, label, label, kMessageFile));
     }
-}
-
-bool CreoProxy::isScrollingOn() const { return mSettings.mScrollTreeAndList; }
-
-bool CreoProxy::toggleScrolling() {
-    bool& isOn = mSettings.mScrollTreeAndList;
-    return isOn = !isOn;
 }

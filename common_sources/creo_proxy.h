@@ -1,6 +1,7 @@
 // The Creo side of the plug-in. One class; each concern has a source file of its own:
 //
 //   creo_proxy.cpp     construction, menu and commands, what Creo calls back
+//   creo_base.cpp      what the others stand on
 //   creo_timer.cpp     Creo's windows and the timer that drives everything
 //   creo_motion.cpp    who gets the cap's motion; moving components
 //   creo_mode.cpp      Creo's current mode
@@ -115,6 +116,8 @@ class CreoProxy {
     enum class Generation { running, succeeded, failed };
     using Names = std::vector<std::string>;
 
+    void receiveCallbacks(LifeCycle& lifeCycle);
+    void refuseCallbacks();
     void registerAll();
     void registerCommands();
     void unregister();

@@ -70,18 +70,26 @@ TEST_F(MenuFile, IsWrittenToTheByte) {
 
 TEST_F(MenuFile, FollowsTheLanguage) {
     struct Case {
-        const char *language, *label, *ownItem;
+        const char *language, *label, *ownItems;
     };
+    constexpr char kItems[] =
+        "\n1Toggle Scroll Mode= {}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's cap on "
+        "and off.\n1Toggle Move Mode= {+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an "
+        "assembly on and off.\n";
+    constexpr char kGermanItems[] =
+        "\n1Fensterrollmodus umschalten= {}OB_Toggle_Scroll_Mode|Schaltet das Rollen in Listen und Baeumen ein und "
+        "aus.\n1Bewegungsmodus umschalten= {+ 6}OB_Toggle_Object_Move_Mode|Schaltet das Bewegen von selektierten "
+        "Objekten in einer Baugruppe ein und aus.\n";
     MNUParser parser;
-    for (const auto& [language, label, ownItem] : {Case{"english", "\nShading ", "1Toggle Scroll Mode"},
-                                                   {"german", "\nSchattieren ", "1Fensterrollmodus umschalten"},
-                                                   {"French", "\nSchattieren ", "1Toggle Scroll Mode"}}) {
+    for (const auto& [language, label, ownItems] : {Case{"english", "\nShading ", kItems},
+                                                    {"german", "\nSchattieren ", kGermanItems},
+                                                    {"French", "\nSchattieren ", kItems}}) {
         parser.start(nullptr, language);
         parser.AddResource("VIEW_MENU_PANE.RES", "ProCmdViewShaded");
         parser.AddResource("PROCMDVIEWSHADED.TXT", "] COMMAND.LABEL\nShading\n&Schattieren\n");
         ASSERT_TRUE(parser.WriteMNUFile(path)) << parser.failure();
         EXPECT_THAT(textOf(path), HasSubstr(label));
-        EXPECT_THAT(textOf(path), HasSubstr(ownItem));
+        EXPECT_THAT(textOf(path), HasSubstr(ownItems));
         EXPECT_EQ(commandsReadBack().size(), 3u) << "nothing is left of the language before";
         std::filesystem::remove(path);
     }
@@ -194,7 +202,23 @@ TEST_F(MenuFile, LeavesOutAMenuWithoutReadableCommandsAndItsWidth) {
     ASSERT_EQ(writeMenuFile(path, {{"0M", {&unreadable}}, {"0N", {&readable}}}, {.isGerman = true}), std::nullopt);
     EXPECT_THAT(textOf(path), testing::Not(HasSubstr("0M")));
     EXPECT_THAT(textOf(path), HasSubstr("\n0N        = {}\nShort     = {}ProCmdY|\n "));
-    EXPECT_THAT(textOf(path), HasSubstr("1Bewegungsmodus umschalten= {+ 6}OB_Toggle_Object_Move_Mode|Schaltet"));
+}
+
+TEST_F(MenuFile, SubstitutesFourCommands) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"ProCmdViewWireframe", "ProCmdEnvMdlDisp*Wireframe"},
+        {"ProCmdViewShaded", "ProCmdEnvMdlDisp*Shading"},
+        {"ProCmdViewHiddenLine", "ProCmdEnvMdlDisp*Hidden line"},
+        {"ProCmdViewNoHidden", "ProCmdEnvMdlDisp*No hidden"},
+        {"ProCmdViewShadedX", "ProCmdViewShadedX"},
+        {"ProCmdViewshaded", "ProCmdViewshaded"},
+    };
+    for (const auto& [gathered, written] : cases) {
+        const CommandRecord record{"X", gathered, "label", ""};
+        ASSERT_EQ(writeMenuFile(path, {{"0M", {&record}}}, {}), std::nullopt);
+        EXPECT_EQ(commandsReadBack().back(), written);
+        std::filesystem::remove(path);
+    }
 }
 
 TEST_F(MenuFile, TellsInTheLogWhatBecameOfIt) {

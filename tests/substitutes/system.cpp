@@ -95,11 +95,13 @@ void advanceClock(std::chrono::steady_clock::duration time) { clockOffset += tim
 
 using substitute::Call;
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     ++allocationCount;
-    if (!isToFail(Call::allocation)) {
-        if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-    }
+    return isToFail(Call::allocation) ? nullptr : std::malloc(size != 0 ? size : 1);
+}
+
+void* operator new(std::size_t size) {
+    if (void* memory = operator new(size, std::nothrow)) return memory;
     throw std::bad_alloc();
 }
 

@@ -1,8 +1,15 @@
 // Start and end of the plug-in as the host sees them, in whatever order they come and whatever fails.
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <new>
 
+#ifndef _WIN32
+#include <sys/mman.h>
+#include <sys/wait.h>
+#endif
+
+#include "tests/substitutes/system.h"
 #include "tests/unit/plugin.h"
 
 namespace {
@@ -179,7 +186,7 @@ TEST_F(AddIn, EndLeavesBehindWhatHangsInTheDriver) {
         {Operation::disconnect, "obDisconnect", nullptr},
         {Operation::setOption, "obSetOption", nullptr},
     };
-    DriverThread::patience = std::chrono::milliseconds(100);
+    DriverThread::patience = std::chrono::milliseconds(50);
     for (const auto& [operation, what, reach] : cases) {
         SCOPED_TRACE(std::string(what) + " " + std::to_string(static_cast<int>(operation)));
         driver().reset();
@@ -223,6 +230,49 @@ TEST_F(AddIn, StartThatFailsLeavesNothing) {
     expectWorks();
 }
 
+// Memory that is short, and a log that cannot be locked, at any point of what the host, the watchdog and the reading
+// thread do.
+TEST_F(AddIn, EachSystemCallMayFail) {
+    std::filesystem::create_directories(settingsFolder());
+    writeMenuFile("[Modes]\nMode of a long name = 1\nMode of another long name = 2\n");
+    const auto restart = [this] {
+        stop();
+        expectNothingLeft();
+        start(Threads::reading);
+        creo().loadMenufile();
+    };
+    const auto check = [&](const std::string& which) {
+        SCOPED_TRACE(which);
+        restart();
+        expectWorks();
+        return std::string();
+    };
+    restart();
+    EXPECT_THAT(substitute::failEachCall([] { user_terminate(); }, check), IsEmpty()) << "end";
+    const auto lose = [this] {
+        driver().fail(Operation::getDevNum, -1, 1);
+        daemon().checkConnection();
+    };
+    const auto checkConnection = [&](const std::string&) { return daemon().connect() ? "" : "cannot connect again"; };
+    EXPECT_THAT(substitute::failEachCall(lose, checkConnection), IsEmpty()) << "loss";
+    EXPECT_THAT(substitute::failEachCall([this] { daemon().connect(); }, checkConnection), IsEmpty()) << "connection";
+    const auto readAndSend = [this] {
+        handOver().mode = 1 - handOver().mode;
+        driver().queue(substitute::eventRead(0x20013));
+        driver().waitUntilIdle();
+    };
+    const auto checkReading = [this](const std::string&) {
+        const std::string told = "Creo/" + std::string(handOver().modeName());
+        handOver().applFunction = -1;
+        driver().queue(substitute::eventRead(0x20020 + 7));
+        return waitUntil([&] { return driver().modesSent().back() == told && handOver().applFunction == 7; })
+                   ? ""
+                   : "no events";
+    };
+    handOver().mode = 0;
+    EXPECT_THAT(substitute::failEachCall(readAndSend, checkReading), IsEmpty()) << "reading";
+}
+
 #ifndef _WIN32
 // Deliberately hard: without one of its two sides the plug-in ends the host, daemon or not.
 TEST_F(AddInDeathTest, SideThatCannotBeCreatedEndsTheProcess) {
@@ -233,6 +283,50 @@ TEST_F(AddInDeathTest, SideThatCannotBeCreatedEndsTheProcess) {
         },
         testing::ExitedWithCode(255), "");
     EXPECT_THAT(log(), Contains("ERR mCreoProxyP or mDaemonProxyP could not be created!"));
+}
+
+// Where memory is short at the start, one of three: the plug-in runs all the same, it stays off, or it ends the process
+// because one of its sides could not be created, and says so.
+TEST_F(AddInDeathTest, EachAllocationMayFailAtTheStart) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr long kStride = 7;  // a process takes a second to end
+#else
+    constexpr long kStride = 1;
+#endif
+    // Which allocation fails, also to be seen by the process that forked.
+    auto& nth = *static_cast<std::atomic<long>*>(
+        mmap(nullptr, sizeof(std::atomic<long>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    const auto startEachTime = [&] {
+        substitute::allowThreads(0);
+        const long before = substitute::allocations();
+        user_initialize();
+        const long all = substitute::allocations() - before;
+        user_terminate();
+        for (nth += kStride; nth <= all; nth += kStride) {
+            {
+                const substitute::NthFails fails(substitute::Call::allocation, nth);
+                user_initialize();
+            }
+            user_terminate();
+            expectNothingLeft();
+        }
+        std::exit(HasFailure() ? 1 : 0);
+    };
+    int code = -1, sidesNotCreated = 0;
+    const auto isProper = [&code](int status) {
+        code = WEXITSTATUS(status);
+        return WIFEXITED(status) && (code == 0 || code == 255);
+    };
+    do {
+        newLog();
+        ASSERT_EXIT(startEachTime(), isProper, "") << "allocation " << nth;
+        if (code == 255) {
+            ++sidesNotCreated;
+            EXPECT_THAT(newLog(), Contains("ERR mCreoProxyP or mDaemonProxyP could not be created!")) << nth;
+        }
+    } while (code == 255);
+    EXPECT_GE(sidesNotCreated, 1);
+    EXPECT_GT(nth, 50);
 }
 #endif
 
