@@ -15,6 +15,16 @@ foreach(folder OB_Daemon/src config driver toolkit common_sources common_sources
   target_compile_options(orbikon_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/${folder}/=)
 endforeach()
 
+# Has a header, included by this name, say which commit the target was built at; it changes with the commit only.
+function(build_commit_header target name)
+  set(header ${CMAKE_BINARY_DIR}/include/${name})
+  add_custom_target(${target}_build_commit
+    COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DHEADER=${header}
+            -P ${PROJECT_SOURCE_DIR}/cmake/build_commit.cmake
+    BYPRODUCTS ${header})
+  add_dependencies(${target} ${target}_build_commit)
+endfunction()
+
 if(ORBIKON_SANITIZE)
   add_compile_options(-fsanitize=${ORBIKON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ORBIKON_SANITIZE})

@@ -91,9 +91,9 @@ void CreoProxy::setView(const std::array<double, 3>& axis, double angle) {
     toToolkit(transposed(block), {0, 0, 0}, matrix);
     logFailure("ProViewMatrixSet", ProViewMatrixSet(nullptr, nullptr, matrix));
     int window = -1;
-    ProError err = ProWindowCurrentGet(&window);
-    if (err == PRO_TK_NO_ERROR) err = ProWindowRefresh(window);
-    logFailure("ProWindowRefresh", err);
+    const ProError err = ProWindowCurrentGet(&window);
+    logFailure("ProWindowCurrentGet", err);
+    if (err == PRO_TK_NO_ERROR) logFailure("ProWindowRefresh", ProWindowRefresh(window));
 }
 
 void CreoProxy::refitView() { logFailure("ProViewRefit", ProViewRefit(nullptr, nullptr)); }

@@ -1,7 +1,12 @@
 // Reads the menu file into the table by which a button's function index becomes a command.
+#include <fstream>
+#include <iterator>
+
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/hand_over.h"
+#include "common_sources/load_point.h"
+#include "common_sources/mnu/mnu_check.h"
 #include "common_sources/mnu/mnu_reader.h"
 #include "common_sources/settings.h"
 #include "config/cnfg.h"
@@ -12,7 +17,23 @@ namespace {
 constexpr char kLogClass[] = "CreoProxy";
 
 constexpr char kMenuFile[] = "Creo.mnu";
+constexpr char kRenewal[] = "; delete it, start Creo, which makes it anew, and bind the device's buttons again.";
 constexpr std::chrono::seconds kPatience{30};  // with a menu file that another program holds
+
+// A menu file that can be read and still does not serve the user.
+void tellMistakes(const std::string& path, const std::string& mnuLanguage) {
+    std::ifstream file(path, std::ios::binary);
+    const MenuFileFacts facts = menuFileFacts(std::string{std::istreambuf_iterator<char>(file), {}});
+    const std::string language = creoLanguage(mnuLanguage).name;
+    if (facts.commands == 0) {
+        OB_LOG_IN(LogLevel::WRN, "loadMenufile")
+            << "Menu file '" << path << "' has no entry, buttons run no commands" << kRenewal;
+    } else if (facts.isForeignTo(language)) {
+        OB_LOG_IN(LogLevel::WRN, "loadMenufile")
+            << "Menu file '" << path << "' is " << (facts.hasGerman ? "German" : "English") << ", Creo's language is '"
+            << language << "'" << kRenewal;
+    }
+}
 
 }  // namespace
 
@@ -67,5 +88,6 @@ bool CreoProxy::readMenuFile(Cnfg& file, const std::string& path) {
     mHandOver.publishModeNames(std::move(content.modeNames));
     mMenuFunctions = std::move(content.commands);
     OB_LOG(LogLevel::TRC) << "Menu file '" << path << "' with " << mMenuFunctions.size() << " entries loaded.";
+    tellMistakes(path, mSettings.mMNULanguage);
     return true;
 }

@@ -133,7 +133,6 @@ class CreoProxy {
     bool generateMenuFile(const std::string& path);
     bool readMenuFile(Cnfg& file, const std::string& path);
     Generation createMNUFile(const std::string& path);
-    bool getLoadpointAndLanguage(std::string& loadpoint, std::string& language) const;
     void endGeneration();
     static void* generationEntry(void* proxy);
     void defineMapkey();

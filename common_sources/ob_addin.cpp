@@ -14,6 +14,7 @@
 #include "common_sources/daemon_proxy.h"
 #include "common_sources/edge.h"
 #include "common_sources/life_cycle.h"
+#include "common_sources/program_facts.h"
 #include "driver/obk_ctrlr.h"
 
 namespace {
@@ -45,9 +46,19 @@ void pinLibrary() {
 #endif
 }
 
+// From the plug-in's first statement until its settings have been handed to the log.
+struct CollectedLog {
+    CollectedLog() { gLogging.startCollecting(); }
+    ~CollectedLog() { gLogging.stopCollecting(); }
+    CollectedLog(const CollectedLog&) = delete;
+    CollectedLog& operator=(const CollectedLog&) = delete;
+};
+
 bool startPlugIn() {
     return atEdge({kLogClass, "user_initialize"}, false, [] {
         pinLibrary();
+        const CollectedLog collected;
+        for (const auto& fact : programFacts()) OB_LOG_IN(LogLevel::INF, "user_initialize") << fact;
         gAddin = new CObAddin();
         return true;
     });

@@ -1,17 +1,13 @@
 #include "common_sources/settings.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <iomanip>
+#include <iterator>
 #include <sstream>
 #include <type_traits>
 #include <variant>
 #include <vector>
-
-#ifdef _WIN32
-#include <direct.h>
-#else
-#include <sys/stat.h>
-#endif
 
 #include "common_sources/settings_value.h"
 #include "config/cnfg.h"
@@ -89,23 +85,6 @@ std::string environmentVariable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-// Not std::filesystem: its narrow paths are UTF-8, a user profile's are in the process code page.
-void makeDirectory(const std::string& path) {
-#ifdef _WIN32
-    _mkdir(path.c_str());
-#else
-    mkdir(path.c_str(), 0777);
-#endif
-}
-
-// Makes what is missing of a folder's path. What cannot be made shows when a file in it is opened.
-void makeDirectories(const std::string& path) {
-    for (auto end = path.find(kPathSeparator, 1); end != std::string::npos; end = path.find(kPathSeparator, end + 1)) {
-        makeDirectory(path.substr(0, end));
-    }
-    makeDirectory(path);
-}
-
 void assign(std::string& member, const std::string& text) { member = text; }
 void assign(std::int32_t& member, const std::string& text) { member = leadingInteger(text); }
 void assign(bool& member, const std::string& text) { member = isSwitchedOn(text); }
@@ -131,6 +110,7 @@ Settings::Settings() {
     mProductDirPath = environmentVariable("USERPROFILE") + kPathSeparator + kProductDir;
     mSettingsDirPath = mProductDirPath + kPathSeparator + kApplicationsDir;
     mSettingsFilePath = mSettingsDirPath + kPathSeparator + kSettingsFile;
+    OB_LOG(LogLevel::INF) << "Settings file: " << mSettingsFilePath;
     OB_LOG(LogLevel::CRT) << "Constructing ...";
     mLogPars.mSettingsDirPath = mProductDirPath;
     gLogging.setSettingsDirPath(mProductDirPath);
@@ -140,6 +120,22 @@ Settings::Settings() {
         writeSettingsFile(mSettingsFilePath);
     }
     OB_LOG(LogLevel::INF) << "\n" << dump();
+}
+
+// What the user has got wrong, each with what holds instead and what to do. The lines for missing keys are the
+// reader's.
+void Settings::tellMistakes(const std::string& path) const {
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    if (file.bad()) return;
+    for (const SettingsFinding& finding : checkSettings(bytes, keys()).findings) {
+        using enum SettingsProblem;
+        if (finding.problem == missingKey) continue;
+        const std::string text =
+            "Settings file '" + path + "': " + finding.text + "; " + std::string(settingsRemedy(finding.problem)) + ".";
+        OB_LOG(finding.isError() ? LogLevel::ERR : LogLevel::WRN) << text;
+        if (finding.problem == notText || finding.problem == empty) tellWithoutLog(text);  // the log is off then
+    }
 }
 
 Settings::~Settings() { OB_LOG(LogLevel::CRT) << "Destructed."; }
@@ -156,6 +152,7 @@ int Settings::readSettingsFile(const std::string& path) {
             const std::string text = readParameter(file, mLogPars.mSectionName.c_str(), key.name);
             std::visit([&](auto member) { assign(mLogPars.*member, text); }, key.member);
         }
+        tellMistakes(path);
     } catch (const std::exception&) {  // what was not read keeps its default
         OB_LOG(LogLevel::ERR) << "Error reading settings file!";
     }

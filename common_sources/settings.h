@@ -62,6 +62,7 @@ class Settings {
 
   private:
     std::string readParameter(Cnfg& file, const char* section, const char* key) const;
+    void tellMistakes(const std::string& path) const;
     std::string dump() const;
 
     std::string mProductDirPath;

@@ -6,10 +6,12 @@
 #include <charconv>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <exception>
 #include <iostream>
 #include <iterator>
+#include <vector>
 
 #include "OB_Daemon/src/thread_id.h"
 
@@ -23,6 +25,7 @@ constexpr std::size_t kLineColumn = 4;
 constexpr std::size_t kMethodColumn = 32;
 constexpr int kBytesPerHexLine = 10;
 constexpr std::int64_t kBytesPerKb = 1000;
+constexpr std::size_t kMaxCollected = 200;  // a settings file has 26 keys, and a check of it 100 findings
 
 struct Level {
     const char* tag;
@@ -84,7 +87,17 @@ Logging gLogging;
 
 struct Logging::Outer {
     std::unique_ptr<std::ostringstream> buffer;
+    Origin origin;
     std::unique_ptr<Outer> next;
+};
+
+struct Logging::Collection {
+    struct Statement {
+        Origin origin;
+        std::string text;
+    };
+    std::vector<Statement> statements;
+    std::size_t dropped = 0;
 };
 
 Logging::Logging() {
@@ -111,27 +124,76 @@ Logging::~Logging() {
 
 void Logging::leaveToProcessEnd() {
     gLoggerAlive = 0;
-    static std::array<const void*, 4> left;  // known to leak checkers
-    left = {mMutex.release(), mFile.release(), mBuffer.release(), mOuter.release()};
+    static std::array<const void*, 5> left;  // known to leak checkers
+    left = {mMutex.release(), mFile.release(), mBuffer.release(), mOuter.release(), mCollection.release()};
 }
 
 void Logging::init(const LoggingParameters& parameters) {
     if (mMutex->lock() != 0) return;
     mOwner = currentThreadId();  // a statement from here is a nested one
     try {
+        auto collection = std::move(mCollection);
         mParameters = parameters;
-        std::uint32_t levels = 0;
-        for (std::size_t level = 0; level < kLevels.size(); ++level) {
-            const auto isOn = kLevels[level].isOn;
-            if (isOn == nullptr || parameters.*isOn) levels |= 1u << level;
-        }
-        mEnabledLevels = levels;
+        switchLevels();
         openLogFile();
+        writeCollected(std::move(collection));
     } catch (const std::exception&) {  // out of memory: go on without a file
         mFile.reset();
     }
     mOwner = 0;
     mMutex->unlock();
+}
+
+void Logging::startCollecting() {
+    if (mMutex->lock() != 0) return;
+    try {
+        mCollection = std::make_unique<Collection>();
+        mEnabledLevels = (1u << kLevels.size()) - 1;
+    } catch (const std::exception&) {  // out of memory: they are not kept
+    }
+    mMutex->unlock();
+}
+
+void Logging::stopCollecting() {
+    if (mMutex->lock() != 0) return;
+    mOwner = currentThreadId();
+    if (mCollection) {
+        auto collection = std::move(mCollection);
+        switchLevels();
+        try {
+            writeCollected(std::move(collection));
+        } catch (const std::exception&) {  // out of memory: what is left is lost
+        }
+    }
+    mOwner = 0;
+    mMutex->unlock();
+}
+
+void Logging::switchLevels() {
+    std::uint32_t levels = 0;
+    for (std::size_t level = 0; level < kLevels.size(); ++level) {
+        const auto isOn = kLevels[level].isOn;
+        if (isOn == nullptr || mParameters.*isOn) levels |= 1u << level;
+    }
+    mEnabledLevels = levels;
+}
+
+void Logging::collect(std::string text) {
+    if (mCollection->statements.size() < kMaxCollected) {
+        mCollection->statements.push_back({std::move(mOrigin), std::move(text)});
+    } else {
+        ++mCollection->dropped;
+    }
+}
+
+void Logging::writeCollected(std::unique_ptr<Collection> collection) {
+    if (!collection) return;
+    for (const auto& [origin, text] : collection->statements) {
+        if (isEnabled(origin.level) && passesFileFilter(origin.sourceFile)) writeLine(text);
+    }
+    if (collection->dropped != 0) {
+        OB_LOG(LogLevel::WRN) << collection->dropped << " further lines from before the log was open were dropped.";
+    }
 }
 
 void Logging::setSettingsDirPath(const std::string& path) {
@@ -154,13 +216,27 @@ void Logging::openLogFile() {
     mLogFilePath =
         isBareName ? mParameters.mSettingsDirPath + kPathSeparator + mParameters.mLogFile : mParameters.mLogFile;
     try {
+        makeDirectories(mLogFilePath.substr(0, mLogFilePath.rfind(kPathSeparator)));
         mFile = std::make_unique<std::ofstream>(mLogFilePath, std::ios::app);
+        tellUnopened();
     } catch (const std::exception&) {
         OB_LOG(LogLevel::ERR) << "Opening log file '" << mParameters.mLogFile << "failed!";
         mParameters.mIsLogToFile = false;
         return;
     }
     writeHeader();
+}
+
+// The log cannot say that there is none; once for a file.
+void Logging::tellUnopened() {
+    const std::string reason = std::strerror(errno);
+    if (mFile->is_open()) {
+        mUnopenedPath.clear();
+    } else if (mUnopenedPath != mLogFilePath) {
+        mUnopenedPath = mLogFilePath;
+        tellWithoutLog("the log file '" + mLogFilePath + "' cannot be opened: " + reason +
+                       "; correct logFile in the settings, or the rights on the folder");
+    }
 }
 
 void Logging::writeHeader() {
@@ -184,7 +260,10 @@ bool Logging::beginStatement(int level, std::string_view sourceFile, std::string
     try {
         if (passesFileFilter(sourceFile)) {
             head = lineHead(level, prefix);
+            Origin origin;
+            if (mCollection) origin = {level, std::string(sourceFile)};
             if (isNested) interruptStatement();
+            mOrigin = std::move(origin);
             isAccepted = true;
         }
     } catch (const std::exception&) {  // out of memory: no line
@@ -202,7 +281,7 @@ bool Logging::beginStatement(int level, std::string_view sourceFile, std::string
 
 bool Logging::passesFileFilter(std::string_view sourceFile) const {
     const auto& filter = mParameters.mExclFileToLog;
-    if (filter.empty()) return true;
+    if (filter.empty() || mCollection) return true;
     return filter == fileNameOf(sourceFile, sourceFile.find('/') != std::string_view::npos ? "/" : "\\");
 }
 
@@ -210,6 +289,7 @@ void Logging::interruptStatement() {
     auto outer = std::make_unique<Outer>();
     auto fresh = std::make_unique<std::ostringstream>();
     outer->buffer = std::move(mBuffer);
+    outer->origin = std::move(mOrigin);
     outer->next = std::move(mOuter);
     mOuter = std::move(outer);
     mBuffer = std::move(fresh);
@@ -265,9 +345,13 @@ void Logging::writeHexDump(std::string_view text) {
 
 void Logging::endStatement() {
     try {
-        const std::string text = mBuffer->str();
+        std::string text = mBuffer->str();
         mBuffer = std::make_unique<std::ostringstream>();
-        writeLine(text);
+        if (mCollection) {
+            collect(std::move(text));
+        } else {
+            writeLine(text);
+        }
     } catch (const std::exception&) {  // out of memory: the line is lost, the lock is not
         mBuffer->str({});
         mBuffer->clear();
@@ -286,6 +370,7 @@ void Logging::abandonStatement() {
 void Logging::releaseStatement() {
     if (mOuter) {
         mBuffer = std::move(mOuter->buffer);
+        mOrigin = std::move(mOuter->origin);
         mOuter = std::move(mOuter->next);
         return;
     }

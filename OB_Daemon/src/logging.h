@@ -23,12 +23,7 @@
 #include <utility>
 
 #include "OB_Daemon/src/mutex.h"
-
-#ifdef _WIN32
-inline constexpr char kPathSeparator = '\\';
-#else
-inline constexpr char kPathSeparator = '/';
-#endif
+#include "OB_Daemon/src/without_log.h"
 
 enum class LogLevel : int { ERR, WRN, CRT, TRC, DCM, ICM, INF, DBG, TMP };
 
@@ -68,6 +63,12 @@ class Logging {
     // Takes the parameters over and reopens the log file. May be called again.
     void init(const LoggingParameters& parameters);
 
+    // Keeps all statements from here on, whatever their level, for a log whose parameters are not known yet: init(), or
+    // stopCollecting() at the latest, writes those that it has switched on, in order. Of a number beyond any reasonable
+    // one only the first are kept, and a line says how many were dropped.
+    void startCollecting();
+    void stopCollecting();
+
     // Sets the folder of a log file given by its bare name, for the time until init().
     void setSettingsDirPath(const std::string& path);
 
@@ -98,7 +99,12 @@ class Logging {
     void leaveToProcessEnd();
 
   private:
+    void switchLevels();
     void openLogFile();
+    void tellUnopened();
+    void collect(std::string text);
+    struct Collection;  // statements before the parameters are known
+    void writeCollected(std::unique_ptr<Collection> collection);
     void writeHeader();
     void writeLine(const std::string& text);
     void endStatement();
@@ -116,6 +122,14 @@ class Logging {
     std::unique_ptr<std::ofstream> mFile;         // null while nothing is logged to a file
     std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();  // null after leaveToProcessEnd()
     bool mIsHexDump = false;
+    std::string mUnopenedPath;  // of the last log file that could not be opened, empty after one that could
+
+    struct Origin {
+        int level = 0;
+        std::string sourceFile;
+    };
+    Origin mOrigin;                           // of the statement being built, told while they are collected only
+    std::unique_ptr<Collection> mCollection;  // null unless they are collected
 
     struct Outer;                                   // statement that a nested one interrupts
     std::unique_ptr<Outer> mOuter;                  // null unless a nested statement is being built

@@ -6,14 +6,13 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu/mnu_encoding.h"
+#include "common_sources/mnu/mnu_libraries.h"
 #include "common_sources/mnu/mnu_text.h"
 #include "common_sources/mnu/mnu_writer.h"
 
 namespace {
 
 constexpr char kLogClass[] = "MNUParser";
-
-constexpr char kEnglish[] = "english";
 
 // Shares of the progress: reading is over at 0.9, and a library has about 50 panes and 3500 command texts.
 constexpr double kPaneStep = 0.006;
@@ -39,8 +38,8 @@ void MNUParser::start(std::atomic<double>* progress, const std::string& language
     mCancel = cancel;
     mTables.clear();
     // The German library has the English texts, too, above the German ones.
-    mIsMainLanguage = language == kEnglish;
-    mIsGermanOutput = language == kGerman;
+    mIsMainLanguage = language == mnu_libraries::kEnglish;
+    mIsGermanOutput = language == mnu_libraries::kGerman;
     mFailure.clear();
 }
 

@@ -50,8 +50,6 @@ class MNUParser {
     const std::string& failure() const { return mFailure; }
 
   private:
-    static constexpr char kGerman[] = "german";
-
     bool createMNU(const std::string& mnuPath, std::string resourceDir, const std::string& language);
     bool enumName(void* module, const char* type, const char* name);
     bool fail(std::string text);

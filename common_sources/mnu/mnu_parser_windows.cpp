@@ -8,14 +8,12 @@
 #include <optional>
 
 #include "OB_Daemon/src/logging.h"
+#include "common_sources/mnu/mnu_libraries.h"
 #include "common_sources/mnu/mnu_text.h"
 
 namespace {
 
 constexpr char kLogClass[] = "MNUParser";
-
-constexpr char kLibraryPrefix[] = "pro_default_";
-constexpr char kLibrarySuffix[] = "resources.dll";
 
 constexpr double kMainLibraryDone = 0.3;
 constexpr double kLanguageLibraryDone = 0.9;
@@ -91,10 +89,6 @@ BOOL CALLBACK enumTypes(HMODULE module, LPSTR type, LONG_PTR parser) {
     return TRUE;
 }
 
-std::string languageLibraryName(const std::string& language) {
-    return std::string(kLibraryPrefix) + language + "_" + kLibrarySuffix;
-}
-
 }  // namespace
 
 bool MNUParser::CreateMNU(std::atomic<double>* progress, const std::string& mnuPath, const std::string& resourceDir,
@@ -112,9 +106,8 @@ bool MNUParser::CreateMNU(std::atomic<double>* progress, const std::string& mnuP
 bool MNUParser::createMNU(const std::string& mnuPath, std::string resourceDir, const std::string& language) {
     if (resourceDir.empty()) return fail("No folder of compiled resources given");
     if (!resourceDir.ends_with('\\')) resourceDir += '\\';
-    const std::string mainLibrary = resourceDir + kLibraryPrefix + kLibrarySuffix;
-
-    const std::string languageLibrary = resourceDir + languageLibraryName(mIsMainLanguage ? kGerman : language);
+    const std::string mainLibrary = resourceDir + mnu_libraries::mainLibrary();
+    const std::string languageLibrary = resourceDir + mnu_libraries::languageLibrary(language);
 
     // A language comes from the environment; it names a library in the resource folder and nowhere else.
     const bool isName = language.find_first_of("\\/:") == language.npos;

@@ -5,33 +5,19 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu/mnu_format.h"
+#include "common_sources/mnu/mnu_own_entries.h"
 #include "config/new_file.h"
 
 namespace {
 
 constexpr char kLogClass[] = "MNUParser";
 
-struct Entry {
-    std::string_view key;
-    std::string_view value;
+// A command whose name Creo's resources know, and the command with an option that does the same.
+struct Substitution {
+    std::string_view command;
+    std::string_view written;
 };
-
-constexpr Entry kOwnMenu = {"0Orbikon", mnu_format::kNoPlacement};
-constexpr Entry kOwnItems[] = {
-    {"1Toggle Scroll Mode",
-     "{}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's cap on and off."},
-    {"1Toggle Move Mode",
-     "{+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an assembly on and off."},
-};
-constexpr Entry kOwnGermanItems[] = {
-    {"1Fensterrollmodus umschalten", "{}OB_Toggle_Scroll_Mode|Schaltet das Rollen in Listen und Baeumen ein und aus."},
-    {"1Bewegungsmodus umschalten",
-     "{+ 6}OB_Toggle_Object_Move_Mode|"
-     "Schaltet das Bewegen von selektierten Objekten in einer Baugruppe ein und aus."},
-};
-
-// Commands whose names Creo's resources know, and the commands with an option that do the same.
-constexpr Entry kSubstitutions[] = {
+constexpr Substitution kSubstitutions[] = {
     {"ProCmdViewWireframe", "ProCmdEnvMdlDisp*Wireframe"},
     {"ProCmdViewShaded", "ProCmdEnvMdlDisp*Shading"},
     {"ProCmdViewHiddenLine", "ProCmdEnvMdlDisp*Hidden line"},
@@ -48,8 +34,8 @@ bool isControl(char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }
 bool isControlOtherThanTab(char c) { return c != '\t' && isControl(c); }
 
 std::string_view writtenCommand(std::string_view command) {
-    const auto found = std::ranges::find(kSubstitutions, command, &Entry::key);
-    return found == std::end(kSubstitutions) ? command : found->value;
+    const auto found = std::ranges::find(kSubstitutions, command, &Substitution::command);
+    return found == std::end(kSubstitutions) ? command : found->written;
 }
 
 Records readableRecords(const Records& records) {
@@ -77,8 +63,10 @@ class MenuFileWriter {
 
     void writeOwnMenu(bool isGerman) {
         writeSection(mnu_format::kMenuBarSection);
-        writeEntry(kOwnMenu.key, kOwnMenu.value);
-        for (const Entry& item : isGerman ? kOwnGermanItems : kOwnItems) writeEntry(item.key, item.value);
+        writeEntry(mnu_format::kOwnMenu.key, mnu_format::kOwnMenu.value);
+        for (const auto& item : isGerman ? mnu_format::kOwnGermanItems : mnu_format::kOwnItems) {
+            writeEntry(item.key, item.value);
+        }
     }
 
     void writeMenuKey(std::string_view key) { writeEntry(key, mnu_format::kNoPlacement); }

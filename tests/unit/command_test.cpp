@@ -155,7 +155,7 @@ TEST_F(Command, RefusedViewsAreLogged) {
     for (int i = 0; i < 2; ++i) creo().execSpecialApplFunction(0x2000A);  // one line a second
     EXPECT_EQ(toolkit().calls("ProWindowRefresh"), 0);
     EXPECT_THAT(newLogWithout({"TMP"}),
-                ElementsAre("ERR Error in ProViewMatrixSet()! err=-1", "ERR Error in ProWindowRefresh()! err=-1",
+                ElementsAre("ERR Error in ProViewMatrixSet()! err=-1", "ERR Error in ProWindowCurrentGet()! err=-1",
                             "ERR Error in ProViewRefit()! err=-1"));
 }
 

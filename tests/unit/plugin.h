@@ -51,7 +51,7 @@ class PlugIn : public testing::Test {
         EXPECT_THAT(toolkit().faults, testing::IsEmpty());
     }
 
-    // Creates the add-in with everything logged; `program` are the lines of section PROGRAM.
+    // Creates the add-in with everything logged; `program` are lines of section PROGRAM.
     void start(Threads threads = Threads::none, const std::string& program = kProgram) {
         writeSettings(program);
         substitute::allowThreads(static_cast<int>(threads));
@@ -67,11 +67,13 @@ class PlugIn : public testing::Test {
     static constexpr char kProgram[] =
         "transSensBase = 500\nrotSensBase = 1\nminThreshold = 10\nmaxContMoveTime = 5000\nscrollTreeAndList = on\n"
         "readMode = off\nuseMapkeyForCommands = off\nmapkeyDefinition = ob\n";
+    static constexpr char kOtherKeys[] =
+        "name = x\nversion = 1\nmaxFrameTime = 100\nblockTransInRotMode = off\nmnuLanguage =\n";
 
     void writeSettings(const std::string& program) const {
         std::filesystem::create_directories(settingsFolder());
         writeFile(settingsFolder() + kPathSeparator + "Creo_plugin.ini",
-                  "[PROGRAM]\n" + program +
+                  "[PROGRAM]\n" + program + kOtherKeys +
                       "\n[LOGGING]\nlogFile = plug.log\nmaxSize = 500000\nlogToFile = on\nlogToCnsl = off\n"
                       "warning = on\ncreation = on\ntrace = on\ndevcom = on\nintcom = on\ninfo = on\ndebug = on\n"
                       "tmp = on\nfileToLog =\n");
