@@ -126,8 +126,8 @@ Settings::Settings() {
 // reader's.
 void Settings::tellMistakes(const std::string& path) const {
     std::ifstream file(path, std::ios::binary);
+    if (!file.is_open()) return;
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    if (file.bad()) return;
     for (const SettingsFinding& finding : checkSettings(bytes, keys()).findings) {
         using enum SettingsProblem;
         if (finding.problem == missingKey) continue;
@@ -180,6 +180,7 @@ void Settings::writeSettingsFile(const std::string& path) const {
 
 std::string Settings::fileText() const {
     std::ostringstream out;
+    out.exceptions(std::ios::badbit);  // a stream that is out of memory would go on without its text
     out << "# Configuration file for Orbikon's Creo Plug-in\n\n[" << kProgramSection << "]\n";
     for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
     out << "\n[" << mLogPars.mSectionName << "]\n";

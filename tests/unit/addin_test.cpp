@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #endif
 
+#include "common_sources/version.h"
 #include "tests/substitutes/system.h"
 #include "tests/unit/plugin.h"
 
@@ -18,6 +19,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Key;
+using testing::MatchesRegex;
 using testing::Not;
 
 class AddIn : public PlugIn {
@@ -63,10 +65,22 @@ TEST_F(AddIn, LifeFromStartToEnd) {
     EXPECT_EQ(first->handOver->specialEvent, 0);
     // The watchdog's first check comes at once.
     ASSERT_TRUE(driver().waitForCalls(Operation::getDevNum, 2));
-    EXPECT_THAT(newLog(), ElementsAre("CRT Constructing ...",  // the add-in's second one; the first comes too early
-                                      "CRT Constructing ...", "CRT CreoProxy constructed.", "CRT Constructing ...",
-                                      "TRC Checking connection ...", "INF devIdx: 0:OrbikonController",
-                                      "CRT Constructed.", "CRT Constructed.", "WRN user_initialize() called twice!"));
+    auto lines = newLog();
+    ASSERT_GT(lines.size(), 5u);
+    const std::vector<std::string> facts(lines.begin(), lines.begin() + 5);
+    lines.erase(lines.begin(), lines.begin() + 5);
+    const std::string bits = std::to_string(sizeof(void*) * 8);
+    EXPECT_THAT(facts,
+                ElementsAre("INF Version: " + std::string(kProductVersion),
+                            MatchesRegex("INF Build: commit .+, GCC .+, " + bits + " bit"),
+                            MatchesRegex("INF Plug-in: .*daemon_test.*"), MatchesRegex("INF Host: .*daemon_test.*"),
+                            MatchesRegex("INF Started: 20..-..-.. ..:..:.., time zone UTC[+-]..:..")));
+    // The first three are those of the settings, the add-in and its parts before the log was open.
+    EXPECT_THAT(lines, ElementsAre("INF Settings file: " + settingsFolder() + kPathSeparator + "Creo_plugin.ini",
+                                   "CRT Constructing ...", "INF ", "CRT Constructing ...", "CRT Constructing ...",
+                                   "CRT Constructing ...", "CRT CreoProxy constructed.", "CRT Constructing ...",
+                                   "TRC Checking connection ...", "INF devIdx: 0:OrbikonController", "CRT Constructed.",
+                                   "CRT Constructed.", "WRN user_initialize() called twice!"));
     user_terminate();
     expectNothingLeft();
     EXPECT_THAT(newLog(), ElementsAre("CRT Destructing ...", "CRT Destructing ...", "CRT Destructed.",
@@ -74,6 +88,27 @@ TEST_F(AddIn, LifeFromStartToEnd) {
     user_terminate();
     EXPECT_THAT(newLog(), IsEmpty());
     EXPECT_EQ(driver().calls(Operation::setDllLogFlags), 1);
+}
+
+// What the settings' reading finds comes as soon as the log is open, with its own levels.
+TEST_F(AddIn, WhatTheSettingsLackIsInTheLog) {
+    const std::string file = settingsFolder() + kPathSeparator + "Creo_plugin.ini";
+    writeFile(
+        file,
+        "[PROGRAM]\nname = x\n\nmaxContMoveTime = 9\n[LOGGING]\nlogFile = plug.log\nlogToFile = on\nmaxSize = 100\n"
+        "warning = on\n");
+    user_initialize();
+    const std::string place = " Settings file '" + file + "': ";
+    EXPECT_THAT(log(), testing::IsSupersetOf(
+                           {"ERR Parameter 'maxContMoveTime' in section 'PROGRAM' not found! (" + file + ")",
+                            "WRN" + place +
+                                "key 'maxContMoveTime' in line 4 stands behind line 3, which ended section [PROGRAM]: "
+                                "it is not read, 0 holds; a section ends at its first line without a key: remove the "
+                                "empty line, header or indented comment above the key.",
+                            "ERR" + place +
+                                "maxContMoveTime is 0 (it was not found): cap and buttons are dead; it must be "
+                                "greater than 0; set maxContMoveTime to a number above 0; its default is 5000."}));
+    EXPECT_THAT(log(), Not(Contains(testing::StartsWith("INF"))));
 }
 
 // A toolkit call may dispatch messages, and with them both of the host's calls. Whatever it calls then, and however

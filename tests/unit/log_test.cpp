@@ -8,6 +8,7 @@
 #include <memory>
 #include <regex>
 #include <thread>
+#include <utility>
 
 #include "tests/substitutes/system.h"
 #include "tests/unit/scratch.h"
@@ -363,12 +364,28 @@ TEST_F(Log, NameDecidesThePlaceOfTheFile) {
     gLogging.init(LoggingParameters());
 }
 
-TEST_F(Log, FileThatCannotBeOpenedIsGoneWithout) {
-    parameters.mLogFile = folder.file("missing") + kPathSeparator + "x.log";
-    parameters.mMaxSize = 0;
+TEST_F(Log, MissingFoldersOfTheFileAreMade) {
+    parameters.mLogFile = folder.file("missing") + kPathSeparator + "too" + kPathSeparator + "x.log";
     init();
-    OB_LOG(LogLevel::ERR) << "nowhere";
-    EXPECT_FALSE(std::filesystem::exists(folder.file("missing")));
+    EXPECT_EQ(withoutDates(textOf(parameters.mLogFile)), header(parameters.mLogFile));
+}
+
+TEST_F(Log, FileThatCannotBeOpenedIsToldOnceOutside) {
+    writeFile(folder.file("in the way"), "");
+    parameters.mLogFile = folder.file("in the way") + kPathSeparator + "x.log";
+    parameters.mMaxSize = 0;
+    const auto toldByInit = [&] {
+        testing::internal::CaptureStderr();
+        init();
+        OB_LOG(LogLevel::ERR) << "nowhere";
+        return testing::internal::GetCapturedStderr();
+    };
+    EXPECT_THAT(toldByInit(), HasSubstr("the log file '" + parameters.mLogFile + "' cannot be opened: "));
+    EXPECT_EQ(toldByInit(), "");
+    const std::string blocked = std::exchange(parameters.mLogFile, "test.log");
+    EXPECT_EQ(toldByInit(), "");
+    parameters.mLogFile = blocked;
+    EXPECT_THAT(toldByInit(), HasSubstr(blocked)) << "another one was opened meanwhile";
 }
 
 TEST_F(Log, ConsoleOnlyMakesNoFile) {
@@ -478,6 +495,42 @@ TEST_F(Log, StatementInsideAStatementIsALineOfItsOwn) {
                                                  "marked 3 end", "closed", "lock is free"));
 }
 
+// What comes before the parameters are known is written as if they had been known: order, levels, file filter.
+TEST_F(Log, StatementsBeforeInitAreCollectedForIt) {
+    parameters.mIsDebug = false;
+    gLogging.startCollecting();
+    OB_LOG(LogLevel::ERR) << "first " << logging(1) << " end";
+    OB_LOG(LogLevel::DBG) << "off";
+    std::thread([] { OB_LOG(LogLevel::TMP) << "of a thread"; }).join();
+    init();
+    OB_LOG(LogLevel::ERR) << "open";
+    OB_LOG(LogLevel::DBG) << "still off";
+    gLogging.stopCollecting();
+    EXPECT_THAT(messages(), testing::ElementsAre("inner 1", "first 1 end", "of a thread", "open"));
+
+    // A log that is open already takes them when no init() comes; one that is not open keeps nothing.
+    gLogging.startCollecting();
+    OB_LOG(LogLevel::INF) << "late";
+    EXPECT_EQ(messages().back(), "open");
+    gLogging.stopCollecting();
+    EXPECT_EQ(messages().back(), "late");
+    parameters.mExclFileToLog = "other.cpp";
+    gLogging.startCollecting();
+    OB_LOG(LogLevel::ERR) << "of a file that is not asked for";
+    init();
+    EXPECT_EQ(lines().back().substr(0, 4), "----");
+}
+
+TEST_F(Log, CollectedStatementsAreBounded) {
+    gLogging.startCollecting();
+    for (int i = 0; i < 1000; ++i) OB_LOG(LogLevel::INF) << i;
+    init();
+    const auto written = messages();
+    ASSERT_EQ(written.size(), 201u);
+    EXPECT_EQ(written[199], "199");
+    EXPECT_EQ(written[200], "800 further lines from before the log was open were dropped.");
+}
+
 // Whatever fails inside a statement: no lock is left, and the next line arrives.
 TEST_F(Log, EachCallMayFail) {
     parameters.mMaxSize = 0;  // each line rotates
@@ -486,6 +539,12 @@ TEST_F(Log, EachCallMayFail) {
         {"init", [&] { init(); }},
         {"folder", [&] { gLogging.setSettingsDirPath(folder.path()); }},
         {"statement", [&] { OB_LOG(LogLevel::ERR) << longText << 'c' << -5000000000 << kLogHexDump << longText; }},
+        {"collected",
+         [&] {
+             gLogging.startCollecting();
+             OB_LOG(LogLevel::ERR) << longText << logging(1);
+             gLogging.stopCollecting();
+         }},
         {"nested", [&] { OB_LOG(LogLevel::ERR) << longText << logging(1) << ~std::uint64_t{}; }},
     };
     for (const auto& [name, operation] : operations) {

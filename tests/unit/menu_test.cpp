@@ -68,6 +68,36 @@ TEST_F(Menu, FilesOfEveryKind) {
     }
 }
 
+// A file that can be read and does not serve: made in another language, or without anything for a button.
+TEST_F(Menu, FileThatDoesNotServeIsNamed) {
+    const std::string own = "[MenuBar]\n0Orbikon = {}\n";
+    const std::string german = own + "1Bewegungsmodus umschalten = {}OB_Toggle_Object_Move_Mode|x\n";
+    const std::string english = own + "1Toggle Move Mode = {}OB_Toggle_Object_Move_Mode|x\n";
+    struct Case {
+        const char* language;
+        std::string file, line;
+    };
+    const std::string remedy = "; delete it, start Creo, which makes it anew, and bind the device's buttons again.";
+    const Case cases[] = {
+        {"german", german, ""},
+        {"german", english, "is English, Creo's language is 'german'"},
+        {"French", german, "is German, Creo's language is 'french'"},
+        {"french", english, ""},
+        {"english", own + "A = {}one|h\n", ""},
+        {"english", own, "has no entry, buttons run no commands"},
+    };
+    for (const auto& [language, file, line] : cases) {
+        start(Threads::none, kProgram + std::string("mnuLanguage = ") + language + "\n");
+        writeMenuFile(file);
+        newLog();
+        creo().loadMenufile();
+        const auto lines = newLogWithout({"TRC", "DBG", "INF", "CRT", "TMP"});
+        using Lines = std::vector<std::string>;
+        EXPECT_EQ(lines, line.empty() ? Lines{} : Lines{"WRN Menu file '" + menuFile() + "' " + line + remedy});
+        stop();
+    }
+}
+
 TEST_F(Menu, GenerationDecidesWhatIsLoaded) {
     struct Case {
         const char* what;
