@@ -61,8 +61,9 @@ int callPatiently(const char* name, int (*call)()) {
         const auto status = std::make_shared<std::atomic<int>>(kNoAnswer);
         DriverThread thread;
         if (thread.start([status, call] { *status = call(); })) {
-            thread.detach();
-            return thread.waitForEnd(name) ? status->load() : kNoAnswer;
+            if (!thread.waitForEnd(name)) return kNoAnswer;
+            thread.join();
+            return status->load();
         }
     } catch (const std::bad_alloc&) {  // as without a thread
     }

@@ -8,15 +8,16 @@
 #include <functional>
 #include <memory>
 
-// Never joined. Creo's thread.
+// Creo's thread.
 class DriverThread {
   public:
     // Runs the body on a thread of its own. The body owns, alone or with others, all that it uses: it may outlive
     // everybody. False when the system refuses.
     bool start(std::function<void()> body);
 
-    // Lets the thread's handle go by itself; start() was successful.
-    void detach() const { pthread_detach(mThread); }
+    // Gives the thread's handle back; waitForEnd() was successful. Not by detaching: the thread library may then use
+    // the record of a thread anew that is still on its last instructions.
+    void join() const { pthread_join(mThread, nullptr); }
 
     // Waits by polling until the body, if any was started, has come to its end. False when it has not in time; `name`
     // says in the log what is left behind.
