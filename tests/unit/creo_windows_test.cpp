@@ -567,6 +567,7 @@ TEST_F(Mapkey, NothingIsTypedWhenSomethingIsMissing) {
     system().ofOtherProcess = nullptr;
     std::filesystem::create_directories(trailFile());
     expectDropped("Cannot write trail file '");
+    EXPECT_THAT(log(), HasSubstr("\\\\orbikon-trail.txt' failed!\n"));
     std::filesystem::remove(trailFile());
     system().inFront = tops[1];
     DestroyWindow(tops[0]);
