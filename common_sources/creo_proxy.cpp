@@ -26,16 +26,22 @@ wchar_t kMessageFile[] = L"Orbikon.txt";
 CreoProxy* instance = nullptr;
 LifeCycle* lifeCycleOfInstance = nullptr;
 
-void logFailure(const char* function, ProError err) {
-    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in " << function << "()! err=" << err;
-}
-
 // --- What Creo calls ---
 
-int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
-    return atEdge({kLogClass, "moveToggleAction"}, 0, [value] {
+// Runs the body of a callback, and before it the timer, should none be armed. `otherwise` is answered when there is no
+// object that may be used, and when something is thrown.
+template <typename Body>
+int visit(const Edge& edge, int otherwise, Body&& body) {
+    return atEdge(edge, otherwise, [&] {
         const CreoProxy::Visit proxy;
-        if (!proxy) return 0;
+        if (!proxy) return otherwise;
+        proxy->ensureTimer();
+        return body(proxy);
+    });
+}
+
+int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
+    return visit({kLogClass, "moveToggleAction"}, 0, [value](auto& proxy) {
         const bool isOn = proxy->toggleComponentMove();
         ProCmdChkbuttonValueSet(value, isOn);
         return isOn ? 1 : 0;
@@ -43,9 +49,7 @@ int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 }
 
 int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
-    return atEdge({kLogClass, "scrollToggleAction"}, 0, [value] {
-        const CreoProxy::Visit proxy;
-        if (!proxy) return 0;
+    return visit({kLogClass, "scrollToggleAction"}, 0, [value](auto& proxy) {
         const bool isOn = proxy->toggleScrolling();
         ProCmdChkbuttonValueSet(value, isOn);
         return isOn ? 0 : 1;  // the inverse of the move toggle's answer, as it always was
@@ -53,51 +57,45 @@ int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 }
 
 int moveToggleValue(uiCmdCmdId, uiCmdValue* value) {
-    return atEdge({kLogClass, "moveToggleValue"}, -1, [value] {
-        if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
+    return visit({kLogClass, "moveToggleValue"}, -1, [value](auto& proxy) {
+        ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
         return -1;
     });
 }
 
 int scrollToggleValue(uiCmdCmdId, uiCmdValue* value) {
-    return atEdge({kLogClass, "scrollToggleValue"}, -1, [value] {
-        if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
+    return visit({kLogClass, "scrollToggleValue"}, -1, [value](auto& proxy) {
+        ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
         return -1;
     });
 }
 
 int moveToggleAccess(int) {
-    return atEdge({kLogClass, "moveToggleAccess"}, ACCESS_UNAVAILABLE, [] {
-        const CreoProxy::Visit proxy;
-        if (!proxy) return ACCESS_UNAVAILABLE;
+    return visit({kLogClass, "moveToggleAccess"}, ACCESS_UNAVAILABLE, [](auto& proxy) {
         proxy->checkWindows();
         return proxy->checkMode(true) == CreoProxy::kAssemblyMode ? ACCESS_AVAILABLE : ACCESS_UNAVAILABLE;
     });
 }
 
 int scrollToggleAccess(int) {
-    return atEdge({kLogClass, "scrollToggleAccess"}, ACCESS_AVAILABLE, [] {
-        if (const CreoProxy::Visit proxy; proxy) {
-            proxy->checkWindows();
-            proxy->checkMode(true);
-        }
+    return visit({kLogClass, "scrollToggleAccess"}, ACCESS_AVAILABLE, [](auto& proxy) {
+        proxy->checkWindows();
+        proxy->checkMode(true);
         return ACCESS_AVAILABLE;
     });
 }
 
 int onWindowChange() {
-    return atEdge({kLogClass, "onWindowChange"}, 0, [] {
-        if (const CreoProxy::Visit proxy; proxy) {
-            proxy->checkWindows();
-            proxy->checkMode(false);
-        }
+    return visit({kLogClass, "onWindowChange"}, 0, [](auto& proxy) {
+        proxy->checkWindows();
+        proxy->checkMode(false);
         return 0;
     });
 }
 
 int onModelChange() {
-    return atEdge({kLogClass, "onModelChange"}, 0, [] {
-        if (const CreoProxy::Visit proxy; proxy) proxy->checkMode(false);
+    return visit({kLogClass, "onModelChange"}, 0, [](auto& proxy) {
+        proxy->checkMode(false);
         return 0;
     });
 }
@@ -163,6 +161,11 @@ void CreoProxy::unregister() {
     instance = nullptr;
 }
 
+void CreoProxy::logFailure(const char* function, int err) {
+    if (err == PRO_TK_NO_ERROR || !mLogLimit.isDue(function)) return;
+    OB_LOG(LogLevel::ERR) << "Error in " << function << "()! err=" << err;
+}
+
 void CreoProxy::registerCommands() {
     uiCmdCmdId moveCommand = nullptr;
     uiCmdCmdId scrollCommand = nullptr;
@@ -174,14 +177,16 @@ void CreoProxy::registerCommands() {
 
     struct Item {
         char* label;
-        uiCmdCmdId command;
+        uiCmdCmdId command;  // null when Creo refused it
     };
     const std::array<Item, 2> items{{{kMoveLabel, moveCommand}, {kScrollLabel, scrollCommand}}};
     for (const auto& [label, command] : items) {
+        if (command == nullptr) continue;
         logFailure("ProMenubarmenuChkbuttonAdd", ProMenubarmenuChkbuttonAdd(kMenuName, label, label, label, nullptr,
                                                                             PRO_B_TRUE, command, kMessageFile));
     }
     for (const auto& [label, command] : items) {
+        if (command == nullptr) continue;
         logFailure("ProCmdDesignate", ProCmdDesignate(command, label, label, label, kMessageFile));
     }
 }

@@ -11,6 +11,7 @@
 //   creo_mapkey.cpp    running it through a mapkey and a trail file
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -18,6 +19,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "common_sources/log_limit.h"
 
 struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-reserved-identifier)
 using WindowHandle = HWND__*;
@@ -101,6 +104,8 @@ class CreoProxy {
     // --- Timer and windows ---
     // Looks for Creo's windows again, and arms the timer, when one of the known ones is gone.
     void checkWindows();
+    // Arms the timer when none is armed: Windows refused it, or something was thrown in a tick.
+    void ensureTimer();
     // One timer tick, and the two steps of the window search: true = go on with the enumeration.
     void onTimer();
     bool onThreadWindow(WindowHandle window);
@@ -114,8 +119,12 @@ class CreoProxy {
     void registerCommands();
     void unregister();
     void discoverWindows();
+    void armTimer(std::uint32_t interval);  // milliseconds
     void killTimer();
+    void logFailure(const char* function, int err);
     void runPendingCommands();
+    void setView(const std::array<double, 3>& axis, double angle);  // radians
+    void refitView();
     void decideLegacyChannel();
     bool transformOnce();
     bool generateMenuFile(const std::string& path);
@@ -126,13 +135,15 @@ class CreoProxy {
     static void* generationEntry(void* proxy);
     void defineMapkey();
     void executeCommandByMapkey(const std::string& macro);
-    void sendMapkey() const;
+    void sendMapkey();
 
     Settings& mSettings;
     HandOver& mHandOver;
     LegacyCom1& mLegacyCom1;
     Names mMenuFunctions;  // command strings by function index
+    LogLimit mLogLimit;    // for lines that nobody but us asks for
     bool mIsInTick = false;
+    bool mIsTimerArmed = false;
     bool mIsComponentMoveOn = false;
     bool mIsMapkeyUsed = false;
     std::int32_t mLastSeenWindow = -1;

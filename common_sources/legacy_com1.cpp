@@ -45,10 +45,12 @@ bool LegacyCom1::switchOff() {
     return false;
 }
 
-bool LegacyCom1::resetLegacyCom1() { return reset(&switchOn); }
+bool LegacyCom1::resetLegacyCom1() {
+    forgetLostDaemon();
+    return reset(&switchOn);
+}
 
 bool LegacyCom1::reset(int (*call)()) {
-    forgetLostDaemon();
     if (mSavedLegacyCom1 < 0) return false;
     if (mSavedLegacyCom1 != kOn) {
         mSavedLegacyCom1 = kNothingSaved;
@@ -77,5 +79,16 @@ void LegacyCom1::giveBack() {
 }
 
 void LegacyCom1::forgetLostDaemon() {
-    if (mHandOver.isConnected && mHandOver.motion.losses != mLosses) mSavedLegacyCom1 = kNothingSaved;
+    const std::uint16_t losses = mHandOver.motion.losses;
+    if (!mHandOver.isConnected || losses == mLosses) return;
+    if (mSavedLegacyCom1 == kOn) {
+        // The daemon may be the same: its channel is off then, because of us. Who cannot be asked is so by the next
+        // tick.
+        std::int32_t value = 0;
+        if (obGetOption(kOptionLegacyCom1, &value) != 0) return;
+        if (value == kOn) mSavedLegacyCom1 = kNothingSaved;
+    } else {
+        mSavedLegacyCom1 = kNothingSaved;
+    }
+    mLosses = losses;
 }

@@ -96,7 +96,8 @@ Logging::Logging() {
 }
 
 Logging::~Logging() {
-    if (!mMutex || !mMutex->tryLock()) {
+    if (!mMutex) return;  // left already
+    if (!mMutex->tryLock()) {
         leaveToProcessEnd();
         return;
     }

@@ -194,10 +194,10 @@ TEST(Mode, OnlyTheMainWindowsModeCounts) {
     bench.host("mode assembly");
     bench.host("notify 24");
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("mode") == "Assembly"; }));
-    bench.host("fail ProModeCurrentGet -1");
+    bench.host("fail ProModeCurrentGet always");
     bench.host("notify 73");
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("mode") == "Default"; }));
-    bench.host("fail ProModeCurrentGet -1 0");
+    bench.host("fail ProModeCurrentGet never");
 }
 
 // The window that carries the timer goes; the next callback finds the new one.

@@ -70,18 +70,26 @@ TEST_F(MenuFile, IsWrittenToTheByte) {
 
 TEST_F(MenuFile, FollowsTheLanguage) {
     struct Case {
-        const char *language, *label, *ownItem;
+        const char *language, *label, *ownItems;
     };
+    constexpr char kItems[] =
+        "\n1Toggle Scroll Mode= {}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's cap on "
+        "and off.\n1Toggle Move Mode= {+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an "
+        "assembly on and off.\n";
+    constexpr char kGermanItems[] =
+        "\n1Fensterrollmodus umschalten= {}OB_Toggle_Scroll_Mode|Schaltet das Rollen in Listen und Baeumen ein und "
+        "aus.\n1Bewegungsmodus umschalten= {+ 6}OB_Toggle_Object_Move_Mode|Schaltet das Bewegen von selektierten "
+        "Objekten in einer Baugruppe ein und aus.\n";
     MNUParser parser;
-    for (const auto& [language, label, ownItem] : {Case{"english", "\nShading ", "1Toggle Scroll Mode"},
-                                                   {"german", "\nSchattieren ", "1Fensterrollmodus umschalten"},
-                                                   {"French", "\nSchattieren ", "1Toggle Scroll Mode"}}) {
+    for (const auto& [language, label, ownItems] : {Case{"english", "\nShading ", kItems},
+                                                    {"german", "\nSchattieren ", kGermanItems},
+                                                    {"French", "\nSchattieren ", kItems}}) {
         parser.start(nullptr, language);
         parser.AddResource("VIEW_MENU_PANE.RES", "ProCmdViewShaded");
         parser.AddResource("PROCMDVIEWSHADED.TXT", "] COMMAND.LABEL\nShading\n&Schattieren\n");
         ASSERT_TRUE(parser.WriteMNUFile(path)) << parser.failure();
         EXPECT_THAT(textOf(path), HasSubstr(label));
-        EXPECT_THAT(textOf(path), HasSubstr(ownItem));
+        EXPECT_THAT(textOf(path), HasSubstr(ownItems));
         EXPECT_EQ(commandsReadBack().size(), 3u) << "nothing is left of the language before";
         std::filesystem::remove(path);
     }
@@ -127,7 +135,7 @@ TEST_F(MenuFile, ProgressGrowsInFixedStepsToALimit) {
 struct RecordCase {
     const char* what;
     CommandRecord record;
-    bool isWritten;
+    const char* reason;  // why it is left out; null: it is not
 };
 
 // Whatever stands in the resources: the commands before and behind it keep their places in the table.
@@ -136,48 +144,53 @@ TEST_F(MenuFile, ReadsBackWithoutShiftOrCut) {
     const auto named = [](const std::string& name) { return CommandRecord{"X", name, "label", "help"}; };
     const auto helped = [](const std::string& help) { return CommandRecord{"X", "ProCmdX", "label", help}; };
     const RecordCase cases[] = {
-        {"ordinary", labelled("Refit"), true},
-        {"blanks around", labelled("  Refit  "), true},
-        {"comment inside", labelled("C# tool"), true},
-        {"section inside", labelled("Tools [all]"), true},
-        {"brace", labelled("a}b|c"), true},
+        {"ordinary", labelled("Refit"), nullptr},
+        {"blanks around", labelled("  Refit  "), nullptr},
+        {"comment inside", labelled("C# tool"), nullptr},
+        {"section inside", labelled("Tools [all]"), nullptr},
+        {"brace", labelled("a}b|c"), nullptr},
         {"code page",
          labelled("\xdc"
                   "bersicht"),
-         true},
-        {"blank", labelled("   "), false},
-        {"comment", labelled("#1 tool"), false},
-        {"comment behind blanks", labelled("  #1 tool"), false},
-        {"section", labelled("[Modes]"), false},
-        {"open section", labelled("[Modes"), false},
-        {"equals", labelled("a=b"), false},
-        {"equals and comment", labelled("a=#"), false},
-        {"tab", labelled("a\tb"), false},
-        {"tab and comment", labelled("a\t#"), false},
-        {"carriage return", labelled("a\rb"), false},
-        {"line feed", labelled("a\n[Modes]"), false},
-        {"NUL", labelled(std::string("a\0b", 3)), false},
-        {"end of text file", labelled("a\x1a"), false},
-        {"as long as a book", labelled(std::string(10'000'000, 'x')), false},
-        {"name with comment", named("ProCmd#"), false},
-        {"name with bar", named("ProCmd|X"), false},
-        {"name with line feed", named("ProCmd\n"), false},
-        {"name with end of text file", named("ProCmd\x1a"), false},
-        {"name with brace", named("ProCmd}X"), true},
-        {"help with comment", helped("# number"), true},
-        {"help with everything", helped("a = {b} | [c]\t"), true},
-        {"help with line feed", helped("a\nb"), false},
-        {"help with carriage return", helped("a\rb"), false},
-        {"help with end of text file", helped("a\x1a"), false},
+         nullptr},
+        {"blank", labelled("   "), "its label is blank"},
+        {"comment", labelled("#1 tool"), "its label would be read as a comment"},
+        {"comment behind blanks", labelled("  #1 tool"), "its label would be read as a comment"},
+        {"section", labelled("[Modes]"), "its label would be read as a section"},
+        {"open section", labelled("[Modes"), "its label would be read as a section"},
+        {"equals", labelled("a=b"), "its label holds a '='"},
+        {"equals and comment", labelled("a=#"), "its label holds a '='"},
+        {"tab", labelled("a\tb"), "its label holds a control character"},
+        {"tab and comment", labelled("a\t#"), "its label holds a control character"},
+        {"carriage return", labelled("a\rb"), "its label holds a control character"},
+        {"line feed", labelled("a\n[Modes]"), "its label holds a control character"},
+        {"NUL", labelled(std::string("a\0b", 3)), "its label holds a control character"},
+        {"end of text file", labelled("a\x1a"), "its label holds a control character"},
+        {"longest", labelled(std::string(1000, 'x')), nullptr},
+        {"longer", labelled(std::string(1001, 'x')), "its label is too long"},
+        {"delete", labelled("a\x7f"), "its label holds a control character"},
+        {"last control character", labelled("a\x1f"), "its label holds a control character"},
+        {"as long as a book", labelled(std::string(10'000'000, 'x')), "its label is too long"},
+        {"name with comment", named("ProCmd#"), "its name holds a '#' or '|'"},
+        {"name with bar", named("ProCmd|X"), "its name holds a '#' or '|'"},
+        {"name with line feed", named("ProCmd\n"), "its name holds a control character"},
+        {"name with end of text file", named("ProCmd\x1a"), "its name holds a control character"},
+        {"name with brace", named("ProCmd}X"), nullptr},
+        {"help with comment", helped("# number"), nullptr},
+        {"help with everything", helped("a = {b} | [c]\t"), nullptr},
+        {"help with line feed", helped("a\nb"), "its help text holds a control character"},
+        {"help with carriage return", helped("a\rb"), "its help text holds a control character"},
+        {"help with end of text file", helped("a\x1a"), "its help text holds a control character"},
     };
     for (const RecordCase& c : cases) {
+        EXPECT_STREQ(unreadableReason(c.record), c.reason) << c.what;
         const CommandRecord before{"A", "ProCmdBefore", "!", "help"};
         const CommandRecord behind{"B", "ProCmdBehind", "\xff", "help"};
         const MenuTables::Menus menus = {{"0M", {&before, &c.record, &behind}}, {"0N", {&behind}}};
         ASSERT_EQ(writeMenuFile(path, menus, {}), std::nullopt) << c.what;
         std::vector<std::string> expected = {kScroll, kMove, before.command, behind.command, behind.command};
         const auto at = expected.begin() + (c.record.label < before.label ? 2 : 3);
-        if (c.isWritten) expected.insert(at, c.record.command);
+        if (c.reason == nullptr) expected.insert(at, c.record.command);
         EXPECT_EQ(commandsReadBack(), expected) << c.what;
         std::filesystem::remove(path);
     }
@@ -189,14 +202,50 @@ TEST_F(MenuFile, LeavesOutAMenuWithoutReadableCommandsAndItsWidth) {
     ASSERT_EQ(writeMenuFile(path, {{"0M", {&unreadable}}, {"0N", {&readable}}}, {.isGerman = true}), std::nullopt);
     EXPECT_THAT(textOf(path), testing::Not(HasSubstr("0M")));
     EXPECT_THAT(textOf(path), HasSubstr("\n0N        = {}\nShort     = {}ProCmdY|\n "));
-    EXPECT_THAT(textOf(path), HasSubstr("1Bewegungsmodus umschalten= {+ 6}OB_Toggle_Object_Move_Mode|Schaltet"));
+}
+
+TEST_F(MenuFile, SubstitutesFourCommands) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"ProCmdViewWireframe", "ProCmdEnvMdlDisp*Wireframe"},
+        {"ProCmdViewShaded", "ProCmdEnvMdlDisp*Shading"},
+        {"ProCmdViewHiddenLine", "ProCmdEnvMdlDisp*Hidden line"},
+        {"ProCmdViewNoHidden", "ProCmdEnvMdlDisp*No hidden"},
+        {"ProCmdViewShadedX", "ProCmdViewShadedX"},
+        {"ProCmdViewshaded", "ProCmdViewshaded"},
+    };
+    for (const auto& [gathered, written] : cases) {
+        const CommandRecord record{"X", gathered, "label", ""};
+        ASSERT_EQ(writeMenuFile(path, {{"0M", {&record}}}, {}), std::nullopt);
+        EXPECT_EQ(commandsReadBack().back(), written);
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(MenuFile, TellsInTheLogWhatBecameOfIt) {
+    LoggingParameters parameters;
+    parameters.mLogFile = folder.file("log.txt");
+    parameters.mIsLogToFile = parameters.mIsWarning = parameters.mIsDebug = parameters.mIsCreation = true;
+    gLogging.init(parameters);
+    {
+        MNUParser parser;
+        parser.AddResource("VIEW_MENU_PANE.RES", "ProCmdA");
+        parser.AddResource("PROCMDA.TXT", "] COMMAND.LABEL\n#\n#\n");
+        EXPECT_TRUE(parser.WriteMNUFile(path));
+        EXPECT_FALSE(parser.WriteMNUFile(path));
+    }
+    gLogging.init(LoggingParameters());
+    EXPECT_THAT(logged(folder.file("log.txt")),
+                ElementsAre("CRT Constructing ...", "CRT Constructed.", "DBG Create MNU File: " + path,
+                            "WRN Command left out, its label would be read as a comment: PROCMDA",
+                            "DBG MNU File created successfully: " + path, "DBG Create MNU File: " + path,
+                            "ERR Menu file exists already: " + path, "CRT Destructing ...", "CRT Destructed."));
 }
 
 TEST_F(MenuFile, IsNeverReplaced) {
     writeFile(path, "mine");
     MNUParser parser;
     EXPECT_FALSE(parser.WriteMNUFile(path));
-    EXPECT_THAT(parser.failure(), HasSubstr("exists already"));
+    EXPECT_EQ(parser.failure(), "Menu file exists already: " + path);
     EXPECT_EQ(textOf(path), "mine");
     EXPECT_THAT(namesIn(folder.path()), ElementsAre("Creo.mnu"));
 }
@@ -205,7 +254,7 @@ TEST_F(MenuFile, IsNeverReplaced) {
 TEST_F(MenuFile, DoesNotReplaceOneThatAppearsMeanwhile) {
     const CommandRecord record{"X", "ProCmdX", "label", ""};
     const auto reason = writeMenuFile(path, {{"0M", {&record}}}, {.afterMenu = [&] { writeFile(path, "other"); }});
-    EXPECT_TRUE(reason.has_value());
+    EXPECT_EQ(reason, "Menu file cannot be created (File exists): " + path);
     EXPECT_EQ(textOf(path), "other");
     EXPECT_THAT(namesIn(folder.path()), ElementsAre("Creo.mnu"));
 }
@@ -215,7 +264,7 @@ TEST_F(MenuFile, LeavesNothingBehindWhenCancelled) {
     std::atomic<bool> cancel{false};
     const MenuTables::Menus menus = {{"0M", {&record}}, {"0N", {&record}}};
     const auto reason = writeMenuFile(path, menus, {.cancel = &cancel, .afterMenu = [&] { cancel = true; }});
-    EXPECT_TRUE(reason.has_value());
+    EXPECT_EQ(reason, "Menu file generation was cancelled");
     EXPECT_THAT(namesIn(folder.path()), IsEmpty());
 }
 
@@ -234,7 +283,7 @@ TEST_F(MenuFile, LeavesNothingBehindWhenTheDiskIsFull) {
         const FullDisk full(50'000);
         reason = writeMenuFile(path, {{"0M", {&record}}}, {});
     }
-    EXPECT_TRUE(reason.has_value());
+    EXPECT_EQ(reason, "Menu file cannot be written: " + path + "." + std::to_string(processId()) + ".tmp");
     EXPECT_THAT(namesIn(folder.path()), IsEmpty());
 }
 #endif

@@ -55,6 +55,8 @@ NthFails::NthFails(Call call, long n) {
 
 NthFails::~NthFails() { callsLeft = 0; }
 
+bool NthFails::hasFailed() const { return callsLeft == 0; }
+
 std::vector<std::string> failEachCall(const std::function<void()>& operation,
                                       const std::function<std::string(const std::string& which)>& check) {
     std::vector<std::string> faults;
@@ -67,7 +69,7 @@ std::vector<std::string> failEachCall(const std::function<void()>& operation,
             try {
                 const NthFails fails(call, n);
                 operation();
-                hasFailed = callsLeft == 0;
+                hasFailed = fails.hasFailed();
             } catch (const std::bad_alloc&) {
                 hasFailed = true;
             }
@@ -93,11 +95,13 @@ void advanceClock(std::chrono::steady_clock::duration time) { clockOffset += tim
 
 using substitute::Call;
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     ++allocationCount;
-    if (!isToFail(Call::allocation)) {
-        if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
-    }
+    return isToFail(Call::allocation) ? nullptr : std::malloc(size != 0 ? size : 1);
+}
+
+void* operator new(std::size_t size) {
+    if (void* memory = operator new(size, std::nothrow)) return memory;
     throw std::bad_alloc();
 }
 

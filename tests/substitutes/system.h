@@ -20,6 +20,8 @@ class NthFails {
     ~NthFails();
     NthFails(const NthFails&) = delete;
     NthFails& operator=(const NthFails&) = delete;
+
+    bool hasFailed() const;  // so far
 };
 
 // Runs the operation again and again: each time the next one of its calls fails, of one kind after the other, until

@@ -54,6 +54,8 @@ void CreoProxy::discoverWindows() {
     if (windows().onDiscovery) windows().onDiscovery();
 }
 
+void CreoProxy::ensureTimer() { ++windows().timersEnsured; }
+
 void CreoProxy::checkWindows() { ++windows().checks; }
 
 void CreoProxy::killTimer() { ++windows().killedTimers; }

@@ -22,6 +22,7 @@ struct Windows {
 
     int discoveries = 0;
     int checks = 0;
+    int timersEnsured = 0;
     int killedTimers = 0;
     std::function<void()> onDiscovery;
 

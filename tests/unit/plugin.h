@@ -47,8 +47,8 @@ class PlugIn : public testing::Test {
             EXPECT_EQ(written.find(std::string(className) + "::operator()"), std::string::npos);
         }
         EXPECT_EQ(toolkit().selectionArrays, 0);
-        EXPECT_EQ(toolkit().badFrees, 0);
-        EXPECT_EQ(toolkit().foreignCalls, 0);
+        EXPECT_FALSE(toolkit().isDynamic);
+        EXPECT_THAT(toolkit().faults, testing::IsEmpty());
     }
 
     // Creates the add-in with everything logged; `program` are the lines of section PROGRAM.
@@ -82,17 +82,7 @@ class PlugIn : public testing::Test {
     std::string settingsFolder() const { return productFolder() + kPathSeparator + "Applications"; }
     std::string menuFile() const { return settingsFolder() + kPathSeparator + "Creo.mnu"; }
 
-    // The log so far: "TAG message" for each line of it.
-    std::vector<std::string> log() const {
-        constexpr std::size_t kOtherColumns = 16 + 2 + 4 + 2 + 32 + 2;
-        std::vector<std::string> result;
-        for (const auto& line : linesOf(textOf(productFolder() + kPathSeparator + "plug.log"))) {
-            if (line.size() < 16 || line[2] != ':' || line[12] != '|') continue;
-            const std::size_t begin = line.find('|', 17) + 1 + kOtherColumns;  // the thread's column may be longer
-            result.push_back(line.substr(13, 3) + " " + line.substr(begin));
-        }
-        return result;
-    }
+    std::vector<std::string> log() const { return logged(productFolder() + kPathSeparator + "plug.log"); }
     // Lines of the log that were written since the last call.
     std::vector<std::string> newLog() {
         auto all = log();

@@ -122,6 +122,18 @@ inline std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
+// What a log holds: "TAG message" for each line of it.
+inline std::vector<std::string> logged(const std::string& path) {
+    constexpr std::size_t kOtherColumns = 16 + 2 + 4 + 2 + 32 + 2;
+    std::vector<std::string> result;
+    for (const auto& line : linesOf(textOf(path))) {
+        if (line.size() < 16 || line[2] != ':' || line[12] != '|') continue;
+        const std::size_t begin = line.find('|', 17) + 1 + kOtherColumns;  // the thread's column may be longer
+        result.push_back(line.substr(13, 3) + " " + line.substr(begin));
+    }
+    return result;
+}
+
 inline void writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
