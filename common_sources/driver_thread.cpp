@@ -38,7 +38,6 @@ bool DriverThread::start(std::function<void()> body) {
 void* DriverThread::entry(void* run) {
     const std::unique_ptr<std::shared_ptr<Run>> own(static_cast<std::shared_ptr<Run>*>(run));
     atEdge({kLogClass, "entry"}, (*own)->body);
-    (*own)->body = nullptr;
     (*own)->isRunning = false;
     return nullptr;
 }

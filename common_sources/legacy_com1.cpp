@@ -26,14 +26,6 @@ int switchOn() {
 bool LegacyCom1::stopLegacyCom1() {
     forgetLostDaemon();
     if (mSavedLegacyCom1 != kNothingSaved) return false;
-    const bool isChanged = switchOff();
-    // Looked at after the calls: a loss during them then costs at most one switch. A value of the new daemon that was
-    // taken for the old one's would be forgotten, and the channel stay off.
-    mLosses = mHandOver.motion.losses;
-    return isChanged;
-}
-
-bool LegacyCom1::switchOff() {
     std::int32_t value = 0;
     if (obGetOption(kOptionLegacyCom1, &value) != 0) return false;
     mSavedLegacyCom1 = value;

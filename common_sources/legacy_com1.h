@@ -24,11 +24,10 @@ class LegacyCom1 {
   private:
     static constexpr std::int32_t kNothingSaved = -1;
 
-    bool switchOff();
     bool reset(int (*call)());
     void forgetLostDaemon();
 
     const HandOver& mHandOver;
     std::int32_t mSavedLegacyCom1 = kNothingSaved;  // value before the switch-off
-    std::uint16_t mLosses = 0;                      // connections lost by then
+    std::uint16_t mLosses = 0;                      // connections lost when that was last looked at
 };

@@ -230,7 +230,7 @@ TEST_F(Daemon, ChannelIsGivenBackAtTheEnd) {
         EXPECT_EQ(driver().legacyCom1(), isBackOn) << failures;
         const auto lines = newLog();
         const auto failed = std::ranges::count(lines, "ERR Cannot switch LegacyCOM1 on again!");
-        EXPECT_TRUE(isBackOn ? failed == failures : failed > 3) << failed;
+        EXPECT_TRUE(isBackOn ? failed == failures : failed > 1 && failed < 10) << failed;
         const std::string said =
             "ERR LegacyCOM1 stays off: Creo's own device support gets no motion until the "
             "device's daemon is started anew!";
