@@ -113,23 +113,26 @@ TEST(MessageFile, EncodingGroupsAndLength) {
     struct Case {
         std::string bytes;
         std::vector<seat::MessageProblem::Kind> kinds;
+        std::string place = "";  // that the first problem names
     };
-    for (const auto& [bytes, kinds] : std::vector<Case>{
+    for (const auto& [bytes, kinds, place] : std::vector<Case>{
              {mark + good, {}},
              {mark + good + "\n\n\n", {}},
-             {good, {encoding}},
+             {good, {encoding}, "line 3 "},
              {mark + "Key\nText\n\xDC\n#\n", {encoding}},
-             {"Key\nText\n\n#\nKey2\nText\n", {groups}},
-             {"Key\nText\n\nKey2\nText\n\n#\n", {groups}},
-             {"\nKey\nText\n\n#\n", {groups}},
-             {"Key\n\n\n#\n", {groups}},
+             {"Key\nText\n\n#\nKey2\nText\n", {groups}, "line 5 "},
+             {"Key\nText\n\nKey2\nText\n\n#\n", {groups}, "line 4 "},
+             {"\nKey\nText\n\n#\n", {groups}, "line 1 "},
+             {"Key\n\n\n#\n", {groups}, "line 2 "},
              {"", {groups}},
              {"Key\n" + std::string(4097, 'x') + "\n\n#\n", {lineLength}},
              {"Key\n" + std::string(4096, 'x') + "\n\n#\n", {}},
          }) {
         std::vector<seat::MessageProblem::Kind> found;
-        for (const auto& problem : seat::checkMessageFile(bytes).problems) found.push_back(problem.kind);
+        const auto problems = seat::checkMessageFile(bytes).problems;
+        for (const auto& problem : problems) found.push_back(problem.kind);
         EXPECT_EQ(found, kinds) << bytes;
+        EXPECT_THAT(problems.empty() ? "" : problems[0].text, testing::StartsWith(place));
     }
 }
 

@@ -16,9 +16,10 @@ struct PeShape {
     bool isLibrary = true;
 };
 
-// One section, whose addresses are those in the file.
+// Two sections, an empty one and the one with everything, whose addresses are those in the file.
 inline std::string peBytes(const PeShape& shape) {
     std::string bytes(0x4000, '\0');
+    constexpr std::size_t kSection = 0x148 + 40;
     std::size_t free = 0x400;
     const auto put = [&](std::size_t at, std::uint32_t value, unsigned size = 4) {
         for (unsigned i = 0; i < size; ++i) bytes[at + i] = static_cast<char>(value >> 8 * i);
@@ -37,17 +38,17 @@ inline std::string peBytes(const PeShape& shape) {
     put(0x3C, 0x40);
     bytes.replace(0x40, 2, "PE");
     put(0x44, shape.machine, 2);
-    put(0x46, 1, 2);     // sections
+    put(0x46, 2, 2);     // sections
     put(0x54, 0xF0, 2);  // size of the optional header
     put(0x56, shape.isLibrary ? 0x2102 : 0x0102, 2);
     const bool isWide = shape.machine == 0x8664;
     put(0x58, isWide ? 0x20B : 0x10B, 2);
     const std::size_t directories = 0x58 + (isWide ? 112 : 96);
     put(directories - 4, 16);
-    put(0x148 + 8, 0x3C00);  // the section
-    put(0x148 + 12, 0x400);
-    put(0x148 + 16, 0x3C00);
-    put(0x148 + 20, 0x400);
+    put(kSection + 8, 0x3C00);
+    put(kSection + 12, 0x400);
+    put(kSection + 16, 0x3C00);
+    put(kSection + 20, 0x400);
 
     const std::uint32_t last =
         shape.ordinals.empty() ? static_cast<std::uint32_t>(shape.names.size()) : shape.ordinals.back();

@@ -66,6 +66,7 @@ TEST_F(Daemon, ConnectsStepByStep) {
         const int disconnects = driver().calls(Operation::disconnect);
         driver().fail(c.failing);
         EXPECT_EQ(daemon().connect(), c.isConnected);
+        EXPECT_EQ(handOver().isConnected, c.isConnected);
         driver().fail(c.failing, 0);
         EXPECT_EQ(newLog(), c.log);
         EXPECT_EQ(driver().calls(Operation::disconnect), disconnects);
