@@ -25,10 +25,17 @@ if(ORBIKON_FUZZ)
 endif()
 
 if(WIN32)
-  # Creo and Windows guarantee 4-byte stack alignment only, so every function that needs more aligns its own frame.
-  # SSE arithmetic keeps results independent of the precision that the host sets in the x87 control word.
-  add_compile_options(-mstackrealign -march=pentium4 -mfpmath=sse)
+  set(ORBIKON_DRIVER_LIBRARY obk_ctrlr_64)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(ORBIKON_DRIVER_LIBRARY obk_ctrlr_32)
+    # Creo and Windows guarantee 4-byte stack alignment only, so every function that needs more aligns its own frame.
+    # SSE arithmetic keeps results independent of the precision that the host sets in the x87 control word.
+    add_compile_options(-mstackrealign -march=pentium4 -mfpmath=sse)
+  endif()
   add_compile_definitions(WINVER=0x0601 _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+  # Two builds of a commit give the same bytes: no time stamps, no paths of this machine.
+  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build)
+  add_link_options(-Wl,--no-insert-timestamp)
   # Compiler, C++ and thread run-times are linked in: nothing but Windows' own libraries is imported.
   add_link_options(-static -static-libgcc -static-libstdc++)
 else()

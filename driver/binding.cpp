@@ -15,7 +15,6 @@ namespace {
 
 constexpr char kLogClass[] = "Driver";
 
-constexpr char kLibraryName[] = "obk_ctrlr_32.dll";
 constexpr int kNotBound = -1;
 constexpr DWORD kFailedReadPauseMs = 10;  // keeps a reading loop without a pause of its own from burning a core
 
@@ -43,7 +42,7 @@ std::wstring systemFolder() {
 
 HMODULE loadFrom(const std::wstring& folder) {
     if (folder.empty()) return nullptr;
-    const std::wstring name(std::begin(kLibraryName), std::end(kLibraryName) - 1);
+    const std::wstring name(std::begin(kDriverLibrary), std::end(kDriverLibrary) - 1);
     const std::wstring path = folder + name;
     // What the library itself needs comes from its own folder or the system's; a damaged file opens no message box.
     DWORD errorMode = 0;
@@ -61,10 +60,10 @@ void loadLibraryIfMissing() {
         if (loaded == nullptr) continue;
         HMODULE none = nullptr;
         if (!library.compare_exchange_strong(none, loaded)) FreeLibrary(loaded);  // another thread was faster
-        OB_LOG(LogLevel::INF) << kLibraryName << " loaded.";
+        OB_LOG(LogLevel::INF) << kDriverLibrary << " loaded.";
         return;
     }
-    OB_LOG(LogLevel::WRN) << kLibraryName << " not found.";
+    OB_LOG(LogLevel::WRN) << kDriverLibrary << " not found.";
 }
 
 template <typename Operation, typename... Arguments>

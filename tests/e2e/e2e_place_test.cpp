@@ -3,6 +3,7 @@
 
 #include <tlhelp32.h>
 
+#include "driver/obk_ctrlr.h"
 #include "tests/e2e/e2e.h"
 
 namespace e2e {
@@ -10,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kDriver[] = "obk_ctrlr_32.dll";
+constexpr auto& kDriver = kDriverLibrary;
 constexpr char kRegistry[] = "protk.dat";
 
 // A load point of a test's own with the host in it, and with nothing that the plug-in needs.

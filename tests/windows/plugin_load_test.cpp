@@ -7,6 +7,7 @@
 #include <sstream>
 #include <vector>
 
+#include "driver/obk_ctrlr.h"
 #include "tests/windows/process_state.h"
 
 namespace {
@@ -135,10 +136,10 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
     EXPECT_LE(threadsNow, threads);
     EXPECT_LE(handlesNow - handles, kMostHandles) << "more than the two threads' handles a round";
     const std::string contents = log();
-    for (const char* text :
-         {"Error in ProCmdOptionAdd()! err=-1", "Error in ProMenubarMenuAdd()! err=-1",
-          "No valid Creo Window Handle found for Timer", "Cannot set Mapkey (ob)! => Normal Methode",
-          "Error in obConnect()!", "obk_ctrlr_32.dll not found.", "user_initialize() called twice!"}) {
+    for (const auto& text : std::vector<std::string>{
+             "Error in ProCmdOptionAdd()! err=-1", "Error in ProMenubarMenuAdd()! err=-1",
+             "No valid Creo Window Handle found for Timer", "Cannot set Mapkey (ob)! => Normal Methode",
+             "Error in obConnect()!", std::string(kDriverLibrary) + " not found.", "user_initialize() called twice!"}) {
         EXPECT_TRUE(contents.find(text) != std::string::npos) << text;
     }
 }

@@ -9,7 +9,7 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "workbench/tour/build_commit.h"
+#include "build_info.h"
 #include "workbench/tour/options.h"
 #include "workbench/tour/scenes.h"
 

@@ -43,12 +43,15 @@ void watchTimersOf(HMODULE module) {
         auto* slot = at<IMAGE_THUNK_DATA>(module, library->FirstThunk);
         for (; name->u1.AddressOfData != 0; ++name, ++slot) {
             if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            const char* function = at<IMAGE_IMPORT_BY_NAME>(module, name->u1.AddressOfData)->Name;
+            const char* function = at<IMAGE_IMPORT_BY_NAME>(module, static_cast<DWORD>(name->u1.AddressOfData))->Name;
             if (std::strcmp(function, "SetTimer") == 0) replace(slot, reinterpret_cast<void*>(noteTimer));
         }
     }
 }
 
+#ifdef _WIN64
+bool dispatchTimerOnOffsetStack(const MSG&) { return false; }
+#else
 bool dispatchTimerOnOffsetStack(const MSG& timerMessage) {
     if (!isMisalignmentOn()) return false;
     const auto found = timerProcs.find({timerMessage.hwnd, timerMessage.wParam});
@@ -57,5 +60,6 @@ bool dispatchTimerOnOffsetStack(const MSG& timerMessage) {
     callOnOffsetStack(reinterpret_cast<const void*>(found->second), arguments, 4);
     return true;
 }
+#endif
 
 }  // namespace workbench
