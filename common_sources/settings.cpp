@@ -1,13 +1,12 @@
 #include "common_sources/settings.h"
 
-#include <charconv>
 #include <cstdlib>
 #include <fstream>
 #include <iomanip>
-#include <limits>
 #include <sstream>
 #include <type_traits>
 #include <variant>
+#include <vector>
 
 #ifdef _WIN32
 #include <direct.h>
@@ -15,6 +14,7 @@
 #include <sys/stat.h>
 #endif
 
+#include "common_sources/settings_value.h"
 #include "config/cnfg.h"
 
 namespace {
@@ -25,6 +25,7 @@ constexpr char kProductDir[] = "OrbikonController";
 constexpr char kApplicationsDir[] = "Applications";
 constexpr char kSettingsFile[] = "Creo_plugin.ini";
 constexpr char kProgramSection[] = "PROGRAM";
+constexpr char kLoggingSection[] = "LOGGING";
 constexpr int kKeyColumn = 24;
 constexpr int kValueColumn = 50;
 
@@ -105,24 +106,9 @@ void makeDirectories(const std::string& path) {
     makeDirectory(path);
 }
 
-// The decimal integer that the text begins with: blanks and a sign allowed, 0 without digits, clamped to the range.
-std::int32_t leadingInteger(const std::string& text) {
-    std::size_t begin = text.find_first_not_of(" \t");
-    if (begin == std::string::npos) return 0;
-    const bool isNegative = text[begin] == '-';
-    if (isNegative || text[begin] == '+') ++begin;
-    if (begin == text.size() || text[begin] < '0' || text[begin] > '9') return 0;
-    std::int32_t value = 0;
-    const char* first = text.data() + begin - (isNegative ? 1 : 0);
-    const auto result = std::from_chars(first, text.data() + text.size(), value);
-    if (result.ec != std::errc::result_out_of_range) return value;
-    return isNegative ? std::numeric_limits<std::int32_t>::min() : std::numeric_limits<std::int32_t>::max();
-}
-
 void assign(std::string& member, const std::string& text) { member = text; }
 void assign(std::int32_t& member, const std::string& text) { member = leadingInteger(text); }
-// "on" anywhere counts, whatever else the text says.
-void assign(bool& member, const std::string& text) { member = text.find("on") != std::string::npos; }
+void assign(bool& member, const std::string& text) { member = isSwitchedOn(text); }
 
 std::string toText(const std::string& member) { return member; }
 std::string toText(std::int32_t member) { return std::to_string(member); }
@@ -189,16 +175,22 @@ void Settings::writeSettingsFile(const std::string& path) const {
         OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
         return;
     }
-    out << "# Configuration file for Orbikon's Creo Plug-in\n\n[" << kProgramSection << "]\n";
-    for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
-    out << "\n[" << mLogPars.mSectionName << "]\n";
-    for (const auto& key : kLoggingKeys) writeKeyLine(out, mLogPars, key);
+    out << fileText();
     out.close();
     if (!out) {  // the disk is full
         OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
         return;
     }
     OB_LOG(LogLevel::TRC) << "Default settings file written.";
+}
+
+std::string Settings::fileText() const {
+    std::ostringstream out;
+    out << "# Configuration file for Orbikon's Creo Plug-in\n\n[" << kProgramSection << "]\n";
+    for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
+    out << "\n[" << mLogPars.mSectionName << "]\n";
+    for (const auto& key : kLoggingKeys) writeKeyLine(out, mLogPars, key);
+    return out.str();
 }
 
 std::string Settings::dump() const {
@@ -209,4 +201,23 @@ std::string Settings::dump() const {
         << "mSettingsDirPath: " << mLogPars.mSettingsDirPath << "\n";
     for (const auto& key : kLoggingKeys) out << key.dumpLabel << toText(mLogPars, key) << "\n";
     return out.str();
+}
+
+Settings::Settings(DefaultsOnly) {}
+
+std::span<const SettingsKey> Settings::keys() {
+    using Kind = SettingsKey::Kind;
+    static const auto all = [] {
+        std::vector<SettingsKey> keys;
+        const auto add = [&](const char* section, const auto& table) {
+            for (const auto& key : table) {
+                const Kind kinds[] = {Kind::text, Kind::number, Kind::toggle};  // in the order of the variant
+                keys.push_back({section, key.name, kinds[key.member.index()]});
+            }
+        };
+        add(kProgramSection, kProgramKeys);
+        add(kLoggingSection, kLoggingKeys);
+        return keys;
+    }();
+    return all;
 }

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "OB_Daemon/src/logging.h"
+#include "common_sources/settings_check.h"
 
 class Cnfg;
 
@@ -19,6 +21,9 @@ class Settings {
     // Builds the paths, creates missing folders, reads the file or writes the default one. Never fails: what cannot
     // be read or written is logged and the defaults hold.
     Settings();
+    // The defaults; no file or folder is looked at.
+    struct DefaultsOnly {};
+    explicit Settings(DefaultsOnly);
     ~Settings();
     Settings(const Settings&) = delete;
     Settings& operator=(const Settings&) = delete;
@@ -28,6 +33,12 @@ class Settings {
 
     // Writes the current values as a commented file. A failure is logged.
     void writeSettingsFile(const std::string& path) const;
+
+    // What writeSettingsFile() writes, lines ended by LF.
+    std::string fileText() const;
+
+    // All keys of the file, in its order.
+    static std::span<const SettingsKey> keys();
 
     // Folder of the settings file and of Creo.mnu, without a separator at its end.
     const std::string& settingsDirPath() const { return mSettingsDirPath; }

@@ -30,7 +30,7 @@ class Cnfg {
     // Text of the last call's error.
     std::string errorText() const;
 
-  private:
+    // How a single line is read; the texts point into it.
     struct Line {
         std::string_view section;  // name of a section header
         std::string_view key;      // empty when the line has no key
@@ -39,6 +39,7 @@ class Cnfg {
     };
     static Line split(std::string_view line);
 
+  private:
     std::int32_t fail(Error error) { return mError = error; }
 
     std::string mFileName;

@@ -10,6 +10,7 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "driver/obk_ctrlr.h"
+#include "driver/search.h"
 
 namespace {
 
@@ -76,6 +77,8 @@ int call(Operation*, ObOrdinal ordinal, Arguments... arguments) {
 }
 
 }  // namespace
+
+void useDriver(HMODULE module) { library = module; }
 
 int obConnect(int device, const char* application) {
     loadLibraryIfMissing();
