@@ -7,7 +7,7 @@ set(ORBIKON_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
 
 add_library(orbikon_options INTERFACE)
 target_include_directories(orbikon_options INTERFACE ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR}/include)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/version.h.in ${CMAKE_BINARY_DIR}/include/common_sources/version.h @ONLY)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/version.h.in ${CMAKE_BINARY_DIR}/include/generated/version.h @ONLY)
 target_compile_options(orbikon_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Wold-style-cast
   -Woverloaded-virtual -Wcast-align -Wformat=2 -Werror)

@@ -1,19 +1,13 @@
 # The version is said once, by project() in the root's CMakeLists.txt. From there it goes into a header for programs that
-# tell it, and into the version resource of every DLL and program.
+# tell it (version.h.in), and into the version resource of every DLL and program.
 
-# The header changes only with the commit that is built.
-set(ORBIKON_BUILD_INFO ${CMAKE_BINARY_DIR}/generated/build_info)
-add_custom_target(orbikon_build_info
-  COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DVERSION=${PROJECT_VERSION}
-          -DHEADER=${ORBIKON_BUILD_INFO}/build_info.h -P ${PROJECT_SOURCE_DIR}/cmake/build_info.cmake
-  BYPRODUCTS ${ORBIKON_BUILD_INFO}/build_info.h
+# A header that says which commit is built, and changes only with it.
+set(ORBIKON_BUILD_COMMIT ${CMAKE_BINARY_DIR}/include/generated/build_commit.h)
+add_custom_target(orbikon_build_commit
+  COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DHEADER=${ORBIKON_BUILD_COMMIT}
+          -P ${PROJECT_SOURCE_DIR}/cmake/build_commit.cmake
+  BYPRODUCTS ${ORBIKON_BUILD_COMMIT}
   VERBATIM)
-
-# orbikon_build_info(TARGET): lets the target include "build_info.h" (kVersion, kBuildCommit).
-function(orbikon_build_info target)
-  add_dependencies(${target} orbikon_build_info)
-  target_include_directories(${target} PRIVATE ${ORBIKON_BUILD_INFO})
-endfunction()
 
 # orbikon_resource(TARGET DESCRIPTION): version resource; a program gets the icon, too.
 function(orbikon_resource target description)

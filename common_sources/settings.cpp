@@ -1,6 +1,5 @@
 #include "common_sources/settings.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <iomanip>
 #include <sstream>
@@ -14,6 +13,7 @@
 #include <sys/stat.h>
 #endif
 
+#include "common_sources/profile_folder.h"
 #include "common_sources/settings_value.h"
 #include "config/cnfg.h"
 
@@ -84,11 +84,6 @@ constexpr Key<LoggingParameters> kLoggingKeys[] = {
     {"fileToLog", &LoggingParameters::mExclFileToLog, "# name of the exclusively logged file", "  mExclFileToLog: "},
 };
 
-std::string environmentVariable(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
 // Not std::filesystem: its narrow paths are UTF-8, a user profile's are in the process code page.
 void makeDirectory(const std::string& path) {
 #ifdef _WIN32
@@ -128,7 +123,7 @@ void writeKeyLine(std::ostream& out, const Record& record, const Key<Record>& ke
 }  // namespace
 
 Settings::Settings() {
-    mProductDirPath = environmentVariable("USERPROFILE") + kPathSeparator + kProductDir;
+    mProductDirPath = profileFolder() + kPathSeparator + kProductDir;
     mSettingsDirPath = mProductDirPath + kPathSeparator + kApplicationsDir;
     mSettingsFilePath = mSettingsDirPath + kPathSeparator + kSettingsFile;
     OB_LOG(LogLevel::CRT) << "Constructing ...";

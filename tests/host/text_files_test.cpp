@@ -45,6 +45,13 @@ TEST(Messages, TranslationsWinWhereThereAreAny) {
     EXPECT_EQ(german.at("Key two"), "English two");
 }
 
+// Of the build folder, in which the test program's folder lies.
+std::filesystem::path textFolder() {
+    wchar_t program[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    return std::filesystem::path(program).parent_path().parent_path() / "text";
+}
+
 TEST(Messages, AreUtf8WithAMarkAndInTheCodePageWithout) {
     ASSERT_EQ(GetACP(), 1252u);
     struct Case {
@@ -62,10 +69,10 @@ TEST(Messages, AreUtf8WithAMarkAndInTheCodePageWithout) {
 // Every file as the host reads it: whole messages, each with a text of its own language, and legible.
 TEST(Messages, OfThePluginAreCompleteInEveryLanguage) {
     constexpr std::size_t kLongestLine = 4096;
-    const auto english = parseMessages(*readFile(fs::path(kTextFolder) / "usascii" / "Orbikon.txt"), false);
+    const auto english = parseMessages(*readFile(textFolder() / "usascii" / "Orbikon.txt"), false);
     ASSERT_EQ(english.size(), 3u);
     std::set<std::string> letters;
-    for (const auto& folder : std::filesystem::directory_iterator(std::filesystem::path(kTextFolder))) {
+    for (const auto& folder : std::filesystem::directory_iterator(textFolder())) {
         SCOPED_TRACE(folder.path().string());
         const std::string bytes = readFile(folder.path() / "Orbikon.txt").value_or("");
         const std::string content = fileTextToUtf8(bytes);

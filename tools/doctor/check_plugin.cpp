@@ -1,8 +1,8 @@
 // The DLL and its message files.
+#include <generated/version.h>
 #include <algorithm>
 #include <system_error>
 
-#include "common_sources/version.h"
 #include "tools/doctor/seat.h"
 #include "tools/seat/file.h"
 #include "tools/seat/message_file.h"

@@ -2,11 +2,11 @@
 #include <array>
 #include <optional>
 
-#include "common_sources/version.h"
 #include "tools/cli/command_line.h"
 #include "tools/doctor/report.h"
 #include "tools/seat/file.h"
 
+#include <generated/version.h>
 #include <windows.h>
 
 namespace {

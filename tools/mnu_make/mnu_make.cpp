@@ -1,4 +1,5 @@
 // Makes the menu file without Creo, for administrators who hand it out to many users.
+#include <generated/version.h>
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -28,6 +29,7 @@ constexpr char kUsageText[] =
     "  OUTPUT_FILE      menu file to make; the plug-in reads Creo.mnu beside its\n"
     "                   settings. An existing file is never replaced.\n"
     "  --verbose        show the log, for example commands that were left out\n"
+    "  --version        show the version\n"
     "  --help           show this text\n"
     "\n"
     "Exit codes: 0 done, 1 failed, 2 wrong arguments, 3 the output file exists, 4 cancelled (Ctrl+C)\n";
@@ -93,6 +95,10 @@ int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     if (std::ranges::find(arguments, "--help") != arguments.end()) {
         std::fputs(kUsageText, stdout);
+        return kDone;
+    }
+    if (std::ranges::find(arguments, "--version") != arguments.end()) {
+        std::printf("mnu_make %s\n", kProductVersion);
         return kDone;
     }
     if (std::erase(arguments, "--verbose") > 0) showLog();

@@ -2,6 +2,7 @@
 // and leaves a page with pictures and numbers.
 #include <windows.h>
 
+#include <generated/version.h>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -9,7 +10,7 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "build_info.h"
+#include <generated/build_commit.h>
 #include "workbench/tour/options.h"
 #include "workbench/tour/scenes.h"
 
@@ -103,6 +104,8 @@ int main(int count, char** words) {
     try {
         if (options.isHelpWanted) {
             std::cout << kUsage;
+        } else if (options.isVersionWanted) {
+            std::cout << "tour " << kProductVersion << ", commit " << kBuildCommit << '\n';
         } else if (options.isListWanted) {
             listScenes();
         } else {
