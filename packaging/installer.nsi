@@ -573,6 +573,7 @@ Function .onInit
   ${EndIf}
   Call ChooseScope
   Call ChooseFolder
+  Call CheckScope
   Call ChooseComponents
   Call ChooseLoadPoints
 FunctionEnd
@@ -599,6 +600,16 @@ foruser:
     SetShellVarContext current
   ${Else}
     SetShellVarContext all
+  ${EndIf}
+FunctionEnd
+
+; What is installed for one user is not replaced for all, nor the other way round.
+Function CheckScope
+  ${If} ${FileExists} "${OLD}"
+    ReadINIStr $0 "${OLD}" installation foruser
+    ${If} $0 != $IsForUser
+      ${Fail} ${EXIT_FAILED} "$(OtherScope) $INSTDIR"
+    ${EndIf}
   ${EndIf}
 FunctionEnd
 
@@ -942,7 +953,7 @@ Function un.ShowSettings
   !insertmacro MUI_HEADER_TEXT "$(SettingsTitle)" "$(SettingsSubtitle)"
   nsDialogs::Create 1018
   Pop $0
-  ${NSD_CreateLabel} 0 0 100% 36u "$(SettingsText) $PROFILE\OrbikonController"
+  ${NSD_CreateLabel} 0 0 100% 36u "$(SettingsText) %USERPROFILE%\OrbikonController"
   Pop $0
   ${NSD_CreateCheckBox} 0 42u 100% 12u "$(SettingsRemove)"
   Pop $SettingsBox
@@ -957,7 +968,8 @@ Function un.LeaveSettings
 FunctionEnd
 
 Function un.RemoveSettings
-  StrCpy $0 "$PROFILE\OrbikonController"
+  ReadEnvStr $0 USERPROFILE  ; as the plug-in does
+  StrCpy $0 "$0\OrbikonController"
   Delete "$0\Applications\Creo_plugin.ini"
   Delete "$0\Applications\Creo.mnu"
   Delete "$0\Creo_plugin_log.txt"

@@ -73,6 +73,9 @@ ${Text} OnlyForUser "Without the rights of an administrator the plug-in can be i
 ${Text} Elsewhere "The plug-in is installed in another folder; remove it there first, or leave the folder out:" \
   "Das Plug-in ist in einem anderen Ordner installiert; entfernen Sie es dort oder lassen Sie den Ordner weg:" \
   "Le module est installé dans un autre dossier ; enlevez-le d'abord, ou omettez le dossier :"
+${Text} OtherScope "Here it is installed for one user, and not for all, or the other way round; remove it first:" \
+  "Hier ist es für einen Benutzer statt für alle installiert oder umgekehrt; entfernen Sie es zuerst:" \
+  "Ici, il est installé pour un utilisateur et non pour tous, ou l'inverse ; enlevez-le d'abord :"
 ${Text} InUse "A program uses this file. End Creo and try again:" \
   "Ein Programm benutzt diese Datei. Beenden Sie Creo und versuchen Sie es erneut:" \
   "Un programme utilise ce fichier. Quittez Creo et réessayez :"

@@ -27,7 +27,7 @@ done
 # Run by ./test, this holds the checkout already.
 [ -n "${ORBIKON_IS_LOCKED:-}" ] || lock_checkout
 step 'Set-up: packages'
-scripts/setup.sh package
+scripts/setup.sh packaging
 step 'Build: plug-in, tools and simulator of both bit widths'
 build_preset windows-x86 orbikon_creo mnu_make orbikon_doctor obk_ctrlr obk_daemon
 build_preset windows-x64 orbikon_creo orbikon_doctor obk_ctrlr obk_daemon

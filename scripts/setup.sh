@@ -2,7 +2,7 @@
 # Installs what is needed on a Debian 12 machine. Does nothing, and asks apt nothing, when all of it is there. Run by
 # ./run, ./test and packaging/package.sh; works as root or through sudo.
 #
-#   scripts/setup.sh NEED...     suites of ./test, "run", "run-x64" or "package"
+#   scripts/setup.sh NEED...     suites of ./test, "run", "run-x64" or "packaging"
 set -euo pipefail
 exec 5>&-  # the lock of the run that has started this: no service that apt starts may keep it
 
@@ -22,7 +22,8 @@ packages_for() {  # packages_for NEED
         linux-fuzz) echo "${native_build[@]}" clang libclang-rt-14-dev ;;
         windows-x86 | run) echo "${windows_build[@]}" "${display[@]}" "${wine_packages[@]}" ;;
         windows-x64 | run-x64) echo "${windows_build[@]}" "${x64_build[@]}" "${display[@]}" "${wine_packages[@]}" wine64 ;;
-        package) echo "${windows_build[@]}" "${x64_build[@]}" nsis zip ;;
+        packaging) echo "${windows_build[@]}" "${x64_build[@]}" nsis zip ;;
+        package) echo "$(packages_for windows-x64) $(packages_for packaging)" ;;
         *) die "nothing is known of the need '$1'" ;;
     esac
 }

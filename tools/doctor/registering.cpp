@@ -28,10 +28,11 @@ constexpr char kMachine32[] = "i486_nt";
 constexpr char kMachine64[] = "x86e_win64";
 
 constexpr cli::Option kOptions[] = {
-    {"--load-point", true}, {"--plugin", true}, {"--text-dir", true}, {"--answer", true}};
+    {"--load-point", true}, {"--plugin", true}, {"--text-dir", true}, {"--answer", true}, {"--drop-backup", false}};
 
-// What a sub-command has to say. With --answer FILE, which the usage does not show, a program that cannot read UTF-8
-// from a pipe gets it as UTF-16 with a mark, too.
+// What a sub-command has to say. Two options are for the installer and not in the usage: --answer FILE also writes it
+// as UTF-16 with a mark, for a program that cannot read UTF-8 from a pipe; --drop-backup leaves no backup of a file
+// from which the entry was taken out.
 class Answer {
   public:
     void say(const std::string& line) { mText += line + "\n"; }
@@ -122,7 +123,15 @@ class Registering {
     }
 
     int takeOut() {
-        return updateAll(mFile.empty() ? seat::registrationFilesOf(mLoadPoint) : std::vector{mFile}, takeOutOf);
+        const bool isBackupDropped = mArguments.has("--drop-backup");
+        return updateAll(mFile.empty() ? seat::registrationFilesOf(mLoadPoint) : std::vector{mFile},
+                         [&](const fs::path& file) {
+                             const auto result = takeOutOf(file);
+                             std::error_code ignored;
+                             const bool isWritten = result.outcome == seat::RegistrationUpdate::Outcome::written;
+                             if (isBackupDropped && isWritten) fs::remove(seat::registrationBackup(file), ignored);
+                             return result;
+                         });
     }
 
     int run(const std::string& command) {

@@ -79,6 +79,7 @@ Handle openOutput(const std::filesystem::path& path) {
 Process::Process(const ProcessOptions& options) : mJob(makeJob()) {
     std::string commandLine = quoted(options.program.string());
     for (const std::string& argument : options.arguments) commandLine += ' ' + quoted(argument);
+    if (!options.lastArgument.empty()) commandLine += ' ' + options.lastArgument;
     std::string environment = environmentBlock(options.environment);
     const Handle output = openOutput(options.outputFile);
 

@@ -65,7 +65,7 @@ Workbench::Workbench(const WorkbenchOptions& options)
     std::filesystem::create_directories(temp());
     if (options.settings) writeTextFile(settingsFile(), *options.settings);
     if (options.menuFile) writeTextFile(menuFile(), *options.menuFile);
-    writeRegistry(options);
+    if (options.isRegistered) writeRegistry(options);
 }
 
 Workbench::~Workbench() {
