@@ -6,6 +6,7 @@
 #include "common_sources/mnu/mnu_libraries.h"
 #include "common_sources/nearest_name.h"
 #include "common_sources/settings.h"
+#include "tests/tools/pe_bytes.h"
 #include "tests/unit/scratch.h"
 #include "tools/seat/load_points.h"
 #include "tools/seat/message_file.h"
@@ -132,81 +133,21 @@ TEST(MessageFile, EncodingGroupsAndLength) {
     }
 }
 
-// A small 32-bit library: one section with an export of each kind, an import, a resource and a version.
-std::string libraryBytes() {
-    std::string bytes(0x600, '\0');
-    const auto put = [&](std::size_t at, std::uint32_t value, unsigned size = 4) {
-        for (unsigned i = 0; i < size; ++i) bytes[at + i] = static_cast<char>(value >> 8 * i);
-    };
-    const auto write = [&](std::size_t at, const std::string& text) { bytes.replace(at, text.size(), text); };
-    write(0, "MZ");
-    put(0x3C, 0x40);
-    write(0x40, "PE");
-    put(0x44, 0x14C, 2);      // machine
-    put(0x46, 1, 2);          // sections
-    put(0x54, 0xE0, 2);       // size of what follows
-    put(0x56, 0x2102, 2);     // a library
-    put(0x58, 0x10B, 2);      // of 32 bits
-    put(0x58 + 92, 16);       // directories
-    put(0x58 + 96, 0x1000);   // exports
-    put(0x58 + 104, 0x1080);  // imports
-    put(0x58 + 112, 0x1100);  // resources
-    const std::size_t section = 0x58 + 0xE0;
-    put(section + 8, 0x400);
-    put(section + 12, 0x1000);
-    put(section + 16, 0x400);
-    put(section + 20, 0x200);
-    put(0x200 + 16, 206);  // first ordinal
-    put(0x200 + 20, 3);    // functions, the second missing
-    put(0x200 + 24, 1);    // names
-    put(0x200 + 28, 0x1028);
-    put(0x200 + 32, 0x1034);
-    put(0x200 + 36, 0x1038);
-    put(0x228, 0x1111);
-    put(0x230, 0x2222);
-    put(0x234, 0x1040);
-    put(0x238, 2, 2);
-    write(0x240, "user_initialize");
-    put(0x280 + 12, 0x10B0);
-    write(0x2B0, "KERNEL32.dll");
-    put(0x300 + 12, 1, 2);  // a named type, and one by number
-    put(0x300 + 14, 1, 2);
-    put(0x310, 0x80000000);
-    put(0x314, 0x80000040);
-    put(0x318, 16);
-    put(0x31C, 0x80000060);
-    put(0x340 + 12, 1, 2);
-    put(0x350, 0x80000100);  // name of a resource
-    put(0x354, 0x200);
-    put(0x360 + 14, 1, 2);
-    put(0x370, 1);
-    put(0x374, 0x80000080);
-    put(0x380 + 14, 1, 2);
-    put(0x390, 0x407);
-    put(0x394, 0xC0);
-    put(0x3C0, 0x1280);
-    put(0x400, 3, 2);
-    write(0x402, std::string("A\0.\0\xE4\0", 6));
-    put(0x480 + 40, 0xFEEF04BD);
-    put(0x480 + 48, 0x00010002);
-    put(0x480 + 52, 0x00030004);
-    return bytes;
-}
-
 TEST(PeFile, TellsMachineExportsImportsVersionAndResources) {
-    const auto file = seat::readPeFile(libraryBytes());
+    const auto file =
+        seat::readPeFile(peBytes({.names = {"user_initialize"}, .ordinals = {206, 208}, .resource = "A.\xE4"}));
     ASSERT_TRUE(file);
     EXPECT_EQ(seat::machineName(file->machine), "32-bit");
     EXPECT_TRUE(file->isLibrary);
     EXPECT_TRUE(file->hasExport(206u) && !file->hasExport(207u) && file->hasExport(208u));
-    EXPECT_EQ(file->exports[1].name, "user_initialize");
+    EXPECT_EQ(file->exports[0].name, "user_initialize");
     EXPECT_THAT(file->imports, ElementsAre("KERNEL32.dll"));
     EXPECT_THAT(file->fileVersion, testing::Optional(ElementsAre(1, 2, 3, 4)));
     EXPECT_THAT(file->resourceNames, ElementsAre("A.?"));
 }
 
 TEST(PeFile, StandsAnyDamage) {
-    const std::string whole = libraryBytes();
+    const std::string whole = peBytes({.names = {"user_initialize"}, .ordinals = {206, 208}, .resource = "A.\xE4"});
     for (std::size_t size = 0; size < whole.size(); size += 7) seat::readPeFile(whole.substr(0, size));
     std::size_t readable = 0;
     for (std::size_t at = 0; at < whole.size(); ++at) {
@@ -239,7 +180,8 @@ TEST(Installations, LoadPointsHostsAndLanguagesAreFound) {
     EXPECT_EQ(found[1], root / "PTC/Creo 3.0/M190/Common Files");
 
     EXPECT_TRUE(seat::findHost(found[1]).file.empty());
-    const auto host = make("PTC/Creo 3.0/M190/Common Files/i486_nt/obj/xtop.exe", libraryBytes());
+    const auto host = make("PTC/Creo 3.0/M190/Common Files/i486_nt/obj/xtop.exe",
+                           peBytes({.names = {"user_initialize"}, .ordinals = {206, 208}, .resource = "A.\xE4"}));
     EXPECT_EQ(seat::findHost(found[1]).file, host);
     EXPECT_EQ(seat::findHost(found[1]).machineType, "i486_nt");
     EXPECT_EQ(findLoadPoint(host), std::filesystem::path());

@@ -80,6 +80,16 @@ std::optional<int> answerAtOnce(const cli::ParsedArguments& arguments) {
     return kAllRight;
 }
 
+doctor::Findings checkAll(doctor::Seat& seat) {
+    using namespace doctor;
+    Findings findings;
+    for (const auto check : {checkCreo, checkRegistration, checkPlugin, checkMessages, checkSettings, checkLog,
+                             checkDriver, checkResources, checkMenuFile, checkMapkey}) {
+        check(seat, findings);
+    }
+    return findings;
+}
+
 int examine(const cli::ParsedArguments& arguments) {
     const auto path = [&](const char* option) { return std::filesystem::path(seat::pathOf(arguments.value(option))); };
     doctor::Seat seat = doctor::lookAtSeat({.profile = path("--profile"),
@@ -88,7 +98,7 @@ int examine(const cli::ParsedArguments& arguments) {
                                             .plugin = path("--plugin"),
                                             .isOffline = arguments.has("--offline")},
                                            programFile());
-    const doctor::Findings findings = doctor::checkAll(seat);
+    const doctor::Findings findings = checkAll(seat);
     cli::print(stdout, arguments.has("--json") ? doctor::jsonOf(findings)
                                                : doctor::textOf(findings, arguments.has("--verbose")));
     if (arguments.has("--report")) {

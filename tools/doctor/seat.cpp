@@ -75,13 +75,4 @@ Seat lookAtSeat(const Request& request, const fs::path& program) {
     return seat;
 }
 
-Findings checkAll(Seat& seat) {
-    Findings findings;
-    for (const auto check : {checkCreo, checkRegistration, checkPlugin, checkMessages, checkSettings, checkLog,
-                             checkDriver, checkResources, checkMenuFile, checkMapkey}) {
-        check(seat, findings);
-    }
-    return findings;
-}
-
 }  // namespace doctor

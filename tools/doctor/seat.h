@@ -65,11 +65,9 @@ void checkPlugin(Seat& seat, Findings& findings);
 void checkMessages(Seat& seat, Findings& findings);
 void checkSettings(Seat& seat, Findings& findings);
 void checkLog(Seat& seat, Findings& findings);
-void checkDriver(Seat& seat, Findings& findings);  // and the daemon
+void checkDriver(Seat& seat, Findings& findings);  // and the daemon; Windows only
 void checkResources(Seat& seat, Findings& findings);
 void checkMenuFile(Seat& seat, Findings& findings);
 void checkMapkey(Seat& seat, Findings& findings);
-
-Findings checkAll(Seat& seat);
 
 }  // namespace doctor
