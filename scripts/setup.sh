@@ -8,8 +8,8 @@ exec 5>&-  # the lock of the run that has started this: no service that apt star
 
 lock_timeout=300  # seconds to wait for another installation on this machine
 
-native_build=(cmake ninja-build g++ googletest libbenchmark-dev)
-windows_build=(cmake ninja-build g++-mingw-w64-i686-posix googletest)
+native_build=(cmake ninja-build g++ googletest libbenchmark-dev nlohmann-json3-dev)
+windows_build=(cmake ninja-build g++-mingw-w64-i686-posix googletest nlohmann-json3-dev)
 x64_build=(g++-mingw-w64-x86-64-posix)
 display=(xvfb fonts-wine)
 wine_packages=(wine wine32:i386)  # of one source: libraries for two architectures must have one version
