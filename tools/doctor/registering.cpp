@@ -113,7 +113,7 @@ class Registering {
         std::error_code ignored;
         if (!fs::exists(plugin, ignored)) return fail("there is no plug-in " + seat::textOf(plugin));
 
-        const auto files = mFile.empty() ? seat::registrationTargets(mLoadPoint) : std::vector{mFile};
+        const auto files = mFile.empty() ? seat::registrationTargets(mLoadPoint) : std::vector<fs::path>(1, mFile);
         if (const int code = checkWriting(files); code != kDone) return code;
         const auto fields = seat::pluginRegistration(registeredPath(plugin), registeredPath(textDir));
         int code = updateAll(
@@ -124,7 +124,7 @@ class Registering {
 
     int takeOut() {
         const bool isBackupDropped = mArguments.has("--drop-backup");
-        return updateAll(mFile.empty() ? seat::registrationFilesOf(mLoadPoint) : std::vector{mFile},
+        return updateAll(mFile.empty() ? seat::registrationFilesOf(mLoadPoint) : std::vector<fs::path>(1, mFile),
                          [&](const fs::path& file) {
                              const auto result = takeOutOf(file);
                              std::error_code ignored;

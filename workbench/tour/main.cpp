@@ -62,7 +62,12 @@ int playTour(const TourOptions& options) {
         Stage stage(options.out, record);
         for (const Scene& scene : scenes()) {
             const bool isNamed = std::ranges::find(options.only, scene.name) != options.only.end();
-            if (options.only.empty() || isNamed) playScene(stage, scene);
+            if (!options.only.empty() && !isNamed) continue;
+            if (scene.isPossible == nullptr || scene.isPossible()) {
+                playScene(stage, scene);
+            } else {
+                std::cout << "\n" << scene.title << ": left out, packaging/package.sh has made no package" << std::endl;
+            }
         }
     }
     record.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

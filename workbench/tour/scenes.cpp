@@ -44,6 +44,9 @@ constexpr Scene kScenes[] = {
      "The daemon is killed. Host and plug-in go on; once a daemon is there again, the plug-in connects and tells its "
      "mode anew.",
      playDaemonLoss},
+    {"installer", "The installer, and the seat behind it",
+     "What packaging/package.sh has made is installed for a load point, looked at by the doctor, and removed again.",
+     playInstaller, isPackageThere},
 };
 
 }  // namespace
