@@ -7,7 +7,7 @@
 set -euo pipefail
 exec 5>&-  # the lock of the run that has started this: no service that apt starts may keep it
 
-run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest xvfb fonts-wine)
+run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest nlohmann-json3-dev xvfb fonts-wine)
 test_packages=(clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev)
 wine_packages=(wine wine32:i386)
 lock_timeout=300  # seconds to wait for another installation on this machine
