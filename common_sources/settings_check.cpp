@@ -89,8 +89,9 @@ class Checker {
         Place place;
     };
 
-    void add(SettingsProblem problem, std::string text) {
-        if (mFindings.size() < kMaxFindings) mFindings.push_back({problem, std::move(text)});
+    void add(SettingsProblem problem, std::string text, std::string_view section = {}, std::string_view key = {}) {
+        if (mFindings.size() == kMaxFindings) return;
+        mFindings.push_back({problem, std::move(text), std::string(section), std::string(key)});
     }
 
     bool isKnown(std::string_view section) const {
@@ -175,7 +176,7 @@ class Checker {
             } else if (mBytes.starts_with(kUtf8Mark)) {
                 text += "; what stands in line 1 is not seen, it begins with a byte order mark";
             }
-            add(SettingsProblem::missingSection, std::move(text));
+            add(SettingsProblem::missingSection, std::move(text), nearest.empty() ? last : std::string_view{});
         }
     }
 
@@ -193,8 +194,10 @@ class Checker {
             const Place place{key.section, key.name};
             const bool isStray = std::ranges::find(mStrays, place, &Stray::place) != mStrays.end();
             if (mValues.contains(place) || isStray || mSections[key.section].line == 0) continue;
-            add(SettingsProblem::missingKey, "key " + quoted(key.name) + " is missing in " + inSection(key.section) +
-                                                 ": " + std::string(emptyValueOf(key.kind)) + " holds");
+            add(SettingsProblem::missingKey,
+                "key " + quoted(key.name) + " is missing in " + inSection(key.section) + ": " +
+                    std::string(emptyValueOf(key.kind)) + " holds",
+                key.section, key.name);
         }
     }
 

@@ -36,7 +36,9 @@ inline constexpr std::size_t kSettingsProblems = 12;
 
 struct SettingsFinding {
     SettingsProblem problem;
-    std::string text;  // the place, the value found and what holds instead
+    std::string text;     // the place, the value found and what holds instead
+    std::string section;  // of a missing key or section; empty for a section that stands there under a wrong name
+    std::string key;      // that is missing
 
     bool isError() const;  // the cap or a whole file is concerned, not a single value
 };

@@ -147,17 +147,20 @@ TEST(PeFile, TellsMachineExportsImportsVersionAndResources) {
 }
 
 TEST(PeFile, StandsAnyDamage) {
-    const std::string whole = peBytes({.names = {"user_initialize"}, .ordinals = {206, 208}, .resource = "A.\xE4"});
-    for (std::size_t size = 0; size < whole.size(); size += 7) seat::readPeFile(whole.substr(0, size));
-    std::size_t readable = 0;
-    for (std::size_t at = 0; at < whole.size(); ++at) {
-        for (const char byte : {'\0', '\x7F', '\xFF'}) {
-            std::string damaged = whole;
-            damaged[at] = byte;
-            if (seat::readPeFile(damaged)) ++readable;
+    std::string bytes = peBytes({.names = {"user_initialize"}, .ordinals = {206, 208}, .resource = "A.\xE4"});
+    for (std::size_t size = 0; size < bytes.size(); size += 97) seat::readPeFile(bytes.substr(0, size));
+    std::size_t tried = 0, readable = 0;
+    for (char& byte : bytes) {
+        const char whole = byte;
+        if (whole == 0) continue;
+        for (const char damage : {'\0', '\x7F', '\xFF'}) {
+            byte = damage;
+            ++tried;
+            if (seat::readPeFile(bytes)) ++readable;
         }
+        byte = whole;
     }
-    EXPECT_GT(readable, whole.size() * 2);
+    EXPECT_GT(readable, tried / 2);
     EXPECT_FALSE(seat::readPeFile("MZ"));
     EXPECT_FALSE(seat::readPeFile(""));
 }

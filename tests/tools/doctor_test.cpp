@@ -8,6 +8,7 @@
 #include "common_sources/version.h"
 #include "tests/tools/pe_bytes.h"
 #include "tests/unit/scratch.h"
+#include "tools/doctor/fix.h"
 #include "tools/doctor/report.h"
 
 using namespace doctor;
@@ -234,6 +235,36 @@ TEST(Doctor, NamesTheRegistrationThatCountsAndTheShadowedOnes) {
     ASSERT_TRUE(findings.hasFailed("registration.entry"));
     ASSERT_TRUE(findings.hasFailed("registration.shadowed"));
     EXPECT_THAT(textOf(findings, false), testing::HasSubstr("it has an entry of the plug-in"));
+}
+
+TEST(Doctor, FixesWhatLosesNothing) {
+    Installation in;
+    const std::string path = in(Installation::kSettings).string(), backup = path + ".bak";
+    const auto fix = [&] { return fixSeat(lookAtSeat(in.request, in("doctor"))); };
+    const auto problems = [&] { return lookAtSeat(in.request, in("doctor")).settings.findings; };
+    EXPECT_THAT(fix(), testing::IsEmpty());
+    EXPECT_FALSE(fs::exists(backup));
+
+    in.remove("profile/OrbikonController");
+    EXPECT_EQ(fix().size(), 1u);
+    EXPECT_EQ(::textOf(path), in.settings);
+    EXPECT_THAT(problems(), testing::IsEmpty());
+
+    // Comments and values stay, a stray key and a wrong name are the user's to mend.
+    const std::string old = "# mine\r\n[PROGRAM]\r\nname = A\r\ntransSensBase = 600\r\n\r\nrotSensBase = 7\r\n# end";
+    in.write(Installation::kSettings, old);
+    EXPECT_TRUE(fix().back().isDone);
+    EXPECT_EQ(bytesOf(backup), old);
+    const Seat fixed = lookAtSeat(in.request, in("doctor"));
+    EXPECT_THAT(fixed.settings.findings, testing::SizeIs(2)) << bytesOf(path);
+    EXPECT_TRUE(fixed.settings.has(SettingsProblem::behindEnd) && fixed.settings.has(SettingsProblem::noRotation));
+    EXPECT_EQ(fixed.setting("PROGRAM", "transSensBase"), "600");
+    EXPECT_EQ(fixed.setting("PROGRAM", "maxContMoveTime"), "5000");
+    EXPECT_EQ(fixed.setting("LOGGING", "maxSize"), "5000");
+    EXPECT_THAT(bytesOf(path), testing::StartsWith("# mine\r\n[PROGRAM]\r\n"));
+    EXPECT_THAT(bytesOf(path),
+                testing::HasSubstr("\r\nname = A\r\ntransSensBase = 600\r\n\r\nrotSensBase = 7\r\n# end"));
+    EXPECT_THAT(fix(), testing::IsEmpty());
 }
 
 TEST(Doctor, ReportsForProgramsAndWithoutNames) {

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "tools/cli/command_line.h"
+#include "tools/doctor/fix.h"
 #include "tools/doctor/registering.h"
 #include "tools/doctor/report.h"
 #include "tools/seat/file.h"
@@ -92,12 +93,18 @@ doctor::Findings checkAll(doctor::Seat& seat) {
 
 int examine(const cli::ParsedArguments& arguments) {
     const auto path = [&](const char* option) { return std::filesystem::path(seat::pathOf(arguments.value(option))); };
-    doctor::Seat seat = doctor::lookAtSeat({.profile = path("--profile"),
-                                            .loadPoint = path("--load-point"),
-                                            .registry = path("--registry"),
-                                            .plugin = path("--plugin"),
-                                            .isOffline = arguments.has("--offline")},
-                                           programFile());
+    const doctor::Request request{.profile = path("--profile"),
+                                  .loadPoint = path("--load-point"),
+                                  .registry = path("--registry"),
+                                  .plugin = path("--plugin"),
+                                  .isOffline = arguments.has("--offline")};
+    if (arguments.has("--fix")) {
+        // What it says stands beside the findings, which may be for a program.
+        for (const auto& step : doctor::fixSeat(doctor::lookAtSeat(request, programFile()))) {
+            cli::print(stderr, (step.isDone ? "fixed: " : "not fixed: ") + step.text + "\n");
+        }
+    }
+    doctor::Seat seat = doctor::lookAtSeat(request, programFile());
     const doctor::Findings findings = checkAll(seat);
     cli::print(stdout, arguments.has("--json") ? doctor::jsonOf(findings)
                                                : doctor::textOf(findings, arguments.has("--verbose")));

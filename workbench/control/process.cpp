@@ -14,6 +14,10 @@ constexpr DWORD kKillWaitMs = 10000;
     throw std::runtime_error(what + ", error " + std::to_string(GetLastError()));
 }
 
+// The texts of this folder are UTF-8; the system's are UTF-16.
+std::wstring wide(const std::string& text) { return std::filesystem::path(std::u8string(text.begin(), text.end())); }
+std::string utf8(const wchar_t* text) { return std::filesystem::path(text).string(); }
+
 // One argument as the C run-time takes it apart again.
 std::string quoted(const std::string& argument) {
     if (!argument.empty() && argument.find_first_of(" \t\"") == std::string::npos) return argument;
@@ -33,15 +37,15 @@ bool isLessNoCase(const std::string& left, const std::string& right) {
 }
 
 // The starter's environment with the changes, as CreateProcess takes it: sorted, each entry ends with a zero.
-std::string environmentBlock(const Environment& changes) {
+std::wstring environmentBlock(const Environment& changes) {
     std::map<std::string, std::string, decltype(&isLessNoCase)> variables(&isLessNoCase);
-    char* const own = GetEnvironmentStringsA();
-    for (const char* entry = own; *entry != '\0'; entry += std::string_view(entry).size() + 1) {
-        const std::string text = entry;
+    wchar_t* const own = GetEnvironmentStringsW();
+    for (const wchar_t* entry = own; *entry != L'\0'; entry += std::wstring_view(entry).size() + 1) {
+        const std::string text = utf8(entry);
         const std::size_t equals = text.find('=', 1);  // drive entries begin with "="
         if (equals != std::string::npos) variables[text.substr(0, equals)] = text.substr(equals + 1);
     }
-    FreeEnvironmentStringsA(own);
+    FreeEnvironmentStringsW(own);
     for (const auto& [name, value] : changes) {
         if (value.empty()) {
             variables.erase(name);
@@ -49,9 +53,9 @@ std::string environmentBlock(const Environment& changes) {
             variables[name] = value;
         }
     }
-    std::string block;
-    for (const auto& [name, value] : variables) block += name + '=' + value + '\0';
-    return block + '\0';
+    std::wstring block;
+    for (const auto& [name, value] : variables) block += wide(name + '=' + value) + L'\0';
+    return block + L'\0';
 }
 
 Handle makeJob() {
@@ -77,22 +81,23 @@ Handle openOutput(const std::filesystem::path& path) {
 }  // namespace
 
 Process::Process(const ProcessOptions& options) : mJob(makeJob()) {
-    std::string commandLine = quoted(options.program.string());
-    for (const std::string& argument : options.arguments) commandLine += ' ' + quoted(argument);
-    if (!options.lastArgument.empty()) commandLine += ' ' + options.lastArgument;
-    std::string environment = environmentBlock(options.environment);
+    std::string command = quoted(options.program.string());
+    for (const std::string& argument : options.arguments) command += ' ' + quoted(argument);
+    if (!options.lastArgument.empty()) command += ' ' + options.lastArgument;
+    std::wstring commandLine = wide(command);
+    std::wstring environment = environmentBlock(options.environment);
     const Handle output = openOutput(options.outputFile);
 
-    STARTUPINFOA start{};
+    STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
     start.hStdOutput = output.get();
     start.hStdError = output.get();
     PROCESS_INFORMATION made{};
     // Suspended, so that it is in the job before it does anything.
-    if (!CreateProcessA(options.program.string().c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                        CREATE_SUSPENDED | CREATE_NO_WINDOW, environment.data(),
-                        options.folder.empty() ? nullptr : options.folder.string().c_str(), &start, &made)) {
+    if (!CreateProcessW(options.program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
+                        CREATE_SUSPENDED | CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, environment.data(),
+                        options.folder.empty() ? nullptr : options.folder.c_str(), &start, &made)) {
         fail("cannot start " + options.program.string());
     }
     mProcess.reset(made.hProcess);
