@@ -35,7 +35,7 @@ std::string utf8(const std::wstring& text) {
 
 std::string utf16File(const fs::path& file) {
     const std::string bytes = bytesOf(file);
-    return utf8(std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t)));
+    return utf8(std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t))).c_str();
 }
 
 std::vector<std::string> filesBelow(const fs::path& folder) {
@@ -60,15 +60,33 @@ std::string versionText(const fs::path& file, const std::wstring& what) {
 }
 
 bool hasIcon(const fs::path& program) {
+    bool isThere = false;
     const HMODULE data = LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const bool isThere = FindResourceW(data, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(14 /* RT_GROUP_ICON */)) != nullptr;
+    const auto note = [](HMODULE, const wchar_t*, wchar_t*, LONG_PTR found) -> BOOL {
+        *reinterpret_cast<bool*>(found) = true;
+        return FALSE;
+    };
+    EnumResourceNamesW(data, MAKEINTRESOURCEW(14 /* RT_GROUP_ICON */), note, reinterpret_cast<LONG_PTR>(&isThere));
     FreeLibrary(data);
     return isThere;
+}
+
+constexpr wchar_t kFolderName[] = L"orbikon seat ";
+
+// What a test that was cut off has left in the list of programs; no other installation is touched.
+void forgetCutOffTest(HKEY root) {
+    constexpr wchar_t kKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\OrbikonCreo";
+    wchar_t folder[MAX_PATH] = L"";
+    DWORD size = sizeof folder;
+    RegGetValueW(root, kKey, L"InstallLocation", RRF_RT_REG_SZ, nullptr, folder, &size);
+    if (std::wstring(folder).find(kFolderName) != std::wstring::npos) RegDeleteTreeW(root, kKey);
 }
 
 class Seat : public testing::Test {
   protected:
     Seat() {
+        forgetCutOffTest(HKEY_LOCAL_MACHINE);
+        forgetCutOffTest(HKEY_CURRENT_USER);
         fs::remove_all(root);
         makeLoadPoint(load32, workbench::buildFolder());
         makeLoadPoint(load64, workbench::buildFolder().parent_path() / "windows-x64");
@@ -138,7 +156,7 @@ class Seat : public testing::Test {
         startAndMove(bench);
     }
 
-    const fs::path root = fs::temp_directory_path() / ("orbikon seat " + std::to_string(GetCurrentProcessId()));
+    const fs::path root = fs::temp_directory_path() / (kFolderName + std::to_wstring(GetCurrentProcessId()));
     const fs::path folder = root / "Orbikon plug-in" / "for Creo";
     const fs::path manifest = folder / "installation.ini";
     const fs::path profile = root / "profile";

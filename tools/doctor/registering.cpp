@@ -161,7 +161,7 @@ class Registering {
         for (const fs::path& file : files) {
             std::error_code ignored;
             const auto problem = fs::exists(file, ignored) ? seat::rewritingProblem(file) : std::nullopt;
-            if (problem) return fail(*problem);
+            if (problem) return fail(seat::textOf(file) + " cannot be written: " + *problem);
         }
         return kDone;
     }
