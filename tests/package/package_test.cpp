@@ -59,14 +59,16 @@ std::string versionText(const fs::path& file, const std::wstring& what) {
     return utf8(static_cast<const wchar_t*>(text)).c_str();
 }
 
+BOOL CALLBACK noteResource(HMODULE, const wchar_t*, wchar_t*, LONG_PTR isThere) {
+    *reinterpret_cast<bool*>(isThere) = true;
+    return FALSE;
+}
+
 bool hasIcon(const fs::path& program) {
     bool isThere = false;
     const HMODULE data = LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const auto note = [](HMODULE, const wchar_t*, wchar_t*, LONG_PTR found) -> BOOL {
-        *reinterpret_cast<bool*>(found) = true;
-        return FALSE;
-    };
-    EnumResourceNamesW(data, MAKEINTRESOURCEW(14 /* RT_GROUP_ICON */), note, reinterpret_cast<LONG_PTR>(&isThere));
+    EnumResourceNamesW(data, MAKEINTRESOURCEW(14 /* RT_GROUP_ICON */), noteResource,
+                       reinterpret_cast<LONG_PTR>(&isThere));
     FreeLibrary(data);
     return isThere;
 }
