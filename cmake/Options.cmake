@@ -15,6 +15,14 @@ foreach(folder OB_Daemon/src config driver toolkit common_sources common_sources
   target_compile_options(orbikon_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/${folder}/=)
 endforeach()
 
+# A header that says which commit is built, and changes only with it. What includes it depends on this target.
+set(ORBIKON_BUILD_COMMIT ${CMAKE_BINARY_DIR}/include/generated/build_commit.h)
+add_custom_target(orbikon_build_commit
+  COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DHEADER=${ORBIKON_BUILD_COMMIT}
+          -P ${PROJECT_SOURCE_DIR}/cmake/build_commit.cmake
+  BYPRODUCTS ${ORBIKON_BUILD_COMMIT}
+  VERBATIM)
+
 if(ORBIKON_SANITIZE)
   add_compile_options(-fsanitize=${ORBIKON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ORBIKON_SANITIZE})

@@ -1,14 +1,6 @@
 # The version is said once, by project() in the root's CMakeLists.txt. From there it goes into a header for programs that
 # tell it (version.h.in), and into the version resource of every DLL and program.
 
-# A header that says which commit is built, and changes only with it.
-set(ORBIKON_BUILD_COMMIT ${CMAKE_BINARY_DIR}/include/generated/build_commit.h)
-add_custom_target(orbikon_build_commit
-  COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DHEADER=${ORBIKON_BUILD_COMMIT}
-          -P ${PROJECT_SOURCE_DIR}/cmake/build_commit.cmake
-  BYPRODUCTS ${ORBIKON_BUILD_COMMIT}
-  VERBATIM)
-
 # orbikon_resource(TARGET DESCRIPTION): version resource; a program gets the icon, too.
 function(orbikon_resource target description)
   string(REPLACE "." "," ORBIKON_VERSION_NUMBERS "${PROJECT_VERSION}")

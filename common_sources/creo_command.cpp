@@ -43,23 +43,6 @@ const StandardView* findStandardView(std::int32_t code) {
     return nullptr;
 }
 
-void setView(const StandardView& view) {
-    const Matrix3 block = view.angle == 0.0 ? kIdentity3 : withUnitRows(rotation(view.axis, view.angle));
-    ProMatrix matrix;
-    toToolkit(transposed(block), {0, 0, 0}, matrix);
-    ProError err = ProViewMatrixSet(nullptr, nullptr, matrix);
-    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in ProViewMatrixSet()! err=" << err;
-    int window = -1;
-    err = ProWindowCurrentGet(&window);
-    if (err == PRO_TK_NO_ERROR) err = ProWindowRefresh(window);
-    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in ProWindowRefresh()! err=" << err;
-}
-
-void refitView() {
-    const ProError err = ProViewRefit(nullptr, nullptr);
-    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in ProViewRefit()! err=" << err;
-}
-
 }  // namespace
 
 void CreoProxy::execApplFunction(std::uint32_t menuFncIdx) {
@@ -95,9 +78,22 @@ void CreoProxy::execSpecialApplFunction(std::int32_t code) {
         return;
     }
     if (const StandardView* view = findStandardView(code)) {
-        setView(*view);
+        setView(view->axis, view->angle);
     } else {
         OB_LOG(LogLevel::ERR) << "Unknown special command '" << code << "' found!";
     }
     if (mHandOver.contextFlag != 0) refitView();
 }
+
+void CreoProxy::setView(const std::array<double, 3>& axis, double angle) {
+    const Matrix3 block = angle == 0.0 ? kIdentity3 : withUnitRows(rotation(axis, angle));
+    ProMatrix matrix;
+    toToolkit(transposed(block), {0, 0, 0}, matrix);
+    logFailure("ProViewMatrixSet", ProViewMatrixSet(nullptr, nullptr, matrix));
+    int window = -1;
+    const ProError err = ProWindowCurrentGet(&window);
+    logFailure("ProWindowCurrentGet", err);
+    if (err == PRO_TK_NO_ERROR) logFailure("ProWindowRefresh", ProWindowRefresh(window));
+}
+
+void CreoProxy::refitView() { logFailure("ProViewRefit", ProViewRefit(nullptr, nullptr)); }

@@ -5,13 +5,14 @@
 #include <windows.h>
 
 #include <atomic>
-#include <cctype>
-#include <cstdlib>
+#include <filesystem>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/edge.h"
 #include "common_sources/hand_over.h"
+#include "common_sources/load_point.h"
+#include "common_sources/mnu/mnu_encoding.h"
 #include "common_sources/mnu/mnu_parser.h"
 #include "common_sources/settings.h"
 
@@ -19,37 +20,18 @@ namespace {
 
 constexpr char kLogClass[] = "CreoProxy";
 
-constexpr char kResourceFolder[] = "\\text\\compiled_resource";
-constexpr std::size_t kModulePathSize = 512;
-constexpr std::size_t kShortestFolder = 4;  // longer than a drive's root
-constexpr int kLanguageNameSize = 32;
+constexpr DWORD kLongestPath = 32768;  // characters, with the end
 
-bool isDirectory(const std::string& path) {
-    const DWORD attributes = GetFileAttributesA(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+std::filesystem::path ownExecutable() {
+    std::wstring path(kLongestPath, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), kLongestPath));
+    return path;
 }
 
-// The nearest folder above Creo's executable that has compiled resources; empty when there is none.
-std::string findLoadpoint() {
-    char buffer[kModulePathSize] = "";
-    const DWORD size = GetModuleFileNameA(nullptr, buffer, kModulePathSize);
-    std::string folder(buffer, size < kModulePathSize ? size : 0);
-    for (;;) {
-        const auto cut = folder.rfind('\\');
-        if (cut == std::string::npos || cut < kShortestFolder) return {};
-        folder.resize(cut);
-        if (isDirectory(folder + kResourceFolder)) return folder;
-    }
-}
-
-std::string systemLanguage() {
-    char name[kLanguageNameSize] = "";
-    GetLocaleInfoA(LOCALE_SYSTEM_DEFAULT, LOCALE_SENGLANGUAGE, name, kLanguageNameSize);
-    return name;
-}
-
-void replaceIfSet(std::string& text, const char* variable) {
-    if (const char* value = std::getenv(variable)) text = value;
+// In the process code page, as the generation takes it.
+std::string narrow(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return codePageFromUtf8({reinterpret_cast<const char*>(text.data()), text.size()});
 }
 
 }  // namespace
@@ -66,16 +48,6 @@ struct CreoProxy::GenerationJob {
     pthread_t thread{};
 };
 
-bool CreoProxy::getLoadpointAndLanguage(std::string& loadpoint, std::string& language) const {
-    loadpoint = findLoadpoint();
-    language = systemLanguage();
-    replaceIfSet(language, "LANG");
-    replaceIfSet(language, "PRO_LANG");
-    if (!mSettings.mMNULanguage.empty()) language = mSettings.mMNULanguage;
-    for (char& c : language) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return !loadpoint.empty() && !language.empty();
-}
-
 // Starts the generation; once it runs, tells how it stands, and forgets it when it has ended.
 CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
     if (mGeneration != nullptr) {
@@ -84,8 +56,9 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
         endGeneration();
         return hasSucceeded ? Generation::succeeded : Generation::failed;
     }
-    std::string loadpoint, language;
-    if (!getLoadpointAndLanguage(loadpoint, language)) {
+    const std::filesystem::path loadpoint = findLoadPoint(ownExecutable());
+    const CreoLanguage language = creoLanguage(mSettings.mMNULanguage);
+    if (loadpoint.empty() || language.name.empty()) {
         OB_LOG(LogLevel::ERR) << "Cannot determine loadpoint and/or language";
         return Generation::failed;
     }
@@ -93,8 +66,8 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
     mGeneration->progress = &mHandOver.menuFileProgress;
     mGeneration->isCancelled = &mHandOver.isEnding;
     mGeneration->menuFile = path;
-    mGeneration->resourceFolder = loadpoint + kResourceFolder;
-    mGeneration->language = language;
+    mGeneration->resourceFolder = narrow(compiledResources(loadpoint));
+    mGeneration->language = language.name;
     mHandOver.menuFileProgress = 0.0;
     if (pthread_create(&mGeneration->thread, nullptr, &generationEntry, mGeneration.get()) != 0) {
         OB_LOG(LogLevel::ERR) << "Error creating generating thread!";

@@ -87,9 +87,9 @@ void CreoProxy::executeCommandByMapkey(const std::string& macro) {
     });
 }
 
-void CreoProxy::sendMapkey() const {
+void CreoProxy::sendMapkey() {
     if (!isOwnWindow(mTimerWindow)) {
-        OB_LOG(LogLevel::ERR) << "No Creo window for the mapkey, command dropped!";
+        if (mLogLimit.isDue("mapkey")) OB_LOG(LogLevel::ERR) << "No Creo window for the mapkey, command dropped!";
         return;
     }
     for (const char key : mMapkeySequence) {

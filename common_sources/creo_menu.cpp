@@ -1,25 +1,70 @@
 // Reads the menu file into the table by which a button's function index becomes a command.
 #include <fstream>
+#include <iterator>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/hand_over.h"
+#include "common_sources/load_point.h"
+#include "common_sources/mnu/mnu_check.h"
 #include "common_sources/mnu/mnu_reader.h"
 #include "common_sources/settings.h"
 #include "config/cnfg.h"
+#include "config/new_file.h"
 
 namespace {
 
 constexpr char kLogClass[] = "CreoProxy";
 
 constexpr char kMenuFile[] = "Creo.mnu";
+constexpr char kRenewal[] = "; delete it, start Creo, which makes it anew, and bind the device's buttons again.";
+constexpr std::chrono::seconds kPatience{30};  // with a menu file that another program holds
 
-bool canBeRead(const std::string& path) { return std::ifstream(path).good(); }
+// A menu file that can be read and still does not serve the user.
+void tellMistakes(const std::string& path, const std::string& mnuLanguage) {
+    std::ifstream file(path, std::ios::binary);
+    const MenuFileFacts facts = menuFileFacts(std::string{std::istreambuf_iterator<char>(file), {}});
+    const std::string language = creoLanguage(mnuLanguage).name;
+    if (facts.commands == 0) {
+        OB_LOG_IN(LogLevel::WRN, "loadMenufile")
+            << "Menu file '" << path << "' has no entry, buttons run no commands" << kRenewal;
+    } else if (facts.isForeignTo(language)) {
+        OB_LOG_IN(LogLevel::WRN, "loadMenufile")
+            << "Menu file '" << path << "' is " << (facts.hasGerman ? "German" : "English") << ", Creo's language is '"
+            << language << "'" << kRenewal;
+    }
+}
 
 }  // namespace
 
+bool CreoProxy::isMenuFileAwaited() const {
+    return mMenuFileDeadline || mHandOver.menuFileProgress != HandOver::kProgressDone;
+}
+
 void CreoProxy::loadMenufile() {
-    // Whatever comes, loading is at its end then, and the reading thread is not kept waiting.
+    const std::string path = mSettings.settingsDirPath() + kPathSeparator + kMenuFile;
+    if (!generateMenuFile(path)) return;
+    // Another program may hold the file just now, and memory may be short: later ticks try again, for a while.
+    const auto now = std::chrono::steady_clock::now();
+    const bool isFirstTry = !mMenuFileDeadline.has_value();
+    if (isFirstTry) mMenuFileDeadline = now + kPatience;
+    const bool isLastTry = now >= *mMenuFileDeadline;
+    if (isLastTry) mMenuFileDeadline.reset();
+    Cnfg file(path);
+    if (file.isOpen() && readMenuFile(file, path)) {
+        mMenuFileDeadline.reset();
+    } else if (isFirstTry) {
+        OB_LOG(LogLevel::WRN) << "Menu file '" << path << "' cannot be read, trying again for " << kPatience.count()
+                              << " s; close the program that holds it.";
+    } else if (isLastTry) {
+        OB_LOG(LogLevel::ERR) << "Menu file '" << path << "' could not be read, buttons run no commands; close the "
+                              << "program that holds it and start Creo again.";
+    }
+}
+
+// Answers whether there is a file to be read by now. What is there, readable or not, is never generated over.
+bool CreoProxy::generateMenuFile(const std::string& path) {
+    // Whatever comes, the generation is at its end then, and the reading thread is not kept waiting.
     struct ProgressGuard {
         std::atomic<double>& progress;
         bool isAtEnd = true;
@@ -28,26 +73,21 @@ void CreoProxy::loadMenufile() {
         }
     } guard{mHandOver.menuFileProgress};
 
-    const std::string path = mSettings.settingsDirPath() + kPathSeparator + kMenuFile;
-    if (mGeneration != nullptr || !canBeRead(path)) {
-        const Generation generation = createMNUFile(path);
-        guard.isAtEnd = generation != Generation::running;
-        if (generation != Generation::succeeded || !canBeRead(path)) return;
-    }
-    readMenuFile(path);
+    if (mGeneration == nullptr && isNameTaken(path)) return true;
+    // One that was there is perhaps being replaced.
+    if (guard.progress == HandOver::kProgressDone) return mMenuFileDeadline.has_value();
+    const Generation generation = createMNUFile(path);
+    guard.isAtEnd = generation != Generation::running;
+    return generation == Generation::succeeded && isNameTaken(path);
 }
 
-void CreoProxy::readMenuFile(const std::string& path) {
+bool CreoProxy::readMenuFile(Cnfg& file, const std::string& path) {
     OB_LOG(LogLevel::DBG) << "Loading menu file ...";
-    Cnfg file(path);
-    if (!file.isOpen()) {
-        OB_LOG(LogLevel::ERR) << file.errorText();
-        return;
-    }
     MenuFileContent content = readMenuFileContent(file);
-    auto modeNames = std::make_unique<const Names>(std::move(content.modeNames));
+    if (!content.isWhole) return false;
+    mHandOver.publishModeNames(std::move(content.modeNames));
     mMenuFunctions = std::move(content.commands);
-    mAllModeNames.push_back(std::move(modeNames));
-    mHandOver.modeNames.store(mAllModeNames.back().get(), std::memory_order_release);
     OB_LOG(LogLevel::TRC) << "Menu file '" << path << "' with " << mMenuFunctions.size() << " entries loaded.";
+    tellMistakes(path, mSettings.mMNULanguage);
+    return true;
 }

@@ -2,7 +2,10 @@
 // the tree or list under the mouse pointer, or the selected components of an assembly.
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
+#include <utility>
+#include <vector>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
@@ -19,8 +22,29 @@ constexpr char kLogClass[] = "CreoProxy";
 
 constexpr std::int32_t kTransSensUnit = 500;
 
+// More than anybody selects: a size beyond it is none.
+constexpr int kMostSelections = 100000;
+
 // True while the cap is outside the dead band.
 bool capMoving = false;
+
+// Says what is not moved, and why: once in a movement of the cap, however many steps that has.
+class NotMoved {
+  public:
+    void startMovement() { mIsTold = false; }
+    void tell(const char* reason) {
+        if (isFirst()) OB_LOG(LogLevel::WRN) << "The selection is not moved, " << reason << "!";
+    }
+    void tell(int component, const char* reason) {
+        if (isFirst()) OB_LOG(LogLevel::WRN) << "Component " << component << " is not moved, " << reason << "!";
+    }
+
+  private:
+    bool isFirst() { return !std::exchange(mIsTold, true); }
+
+    bool mIsTold = false;
+};
+NotMoved notMoved;
 
 // The selection buffer's content, given back to the host when it goes out of scope.
 class Selections {
@@ -33,9 +57,11 @@ class Selections {
     Selections& operator=(const Selections&) = delete;
 
     bool isNull() const { return mArray == nullptr; }
+    // Negative when the host does not tell it, or tells nonsense.
     int size() const {
         int size = 0;
-        return ProArraySizeGet(mArray, &size) == PRO_TK_NO_ERROR ? size : 0;
+        if (ProArraySizeGet(mArray, &size) != PRO_TK_NO_ERROR || size > kMostSelections) return -1;
+        return size;
     }
     ProSelection at(int index) const { return mArray[index]; }
 
@@ -49,11 +75,18 @@ class DynamicPositioning {
     explicit DynamicPositioning(ProAssembly assembly) : mAssembly(assembly) {
         ProAssemblyDynPosSet(mAssembly, PRO_B_TRUE);
     }
-    ~DynamicPositioning() { ProAssemblyDynPosSet(mAssembly, PRO_B_FALSE); }
+    ~DynamicPositioning() {
+        // Left on it would stay on: nothing else ever switches it off.
+        for (int tries = 0; tries < kTriesToSwitchOff; ++tries) {
+            if (ProAssemblyDynPosSet(mAssembly, PRO_B_FALSE) == PRO_TK_NO_ERROR) return;
+        }
+    }
     DynamicPositioning(const DynamicPositioning&) = delete;
     DynamicPositioning& operator=(const DynamicPositioning&) = delete;
 
   private:
+    static constexpr int kTriesToSwitchOff = 3;
+
     ProAssembly mAssembly;
 };
 
@@ -101,43 +134,82 @@ Matrix3 composedRotation(const AxisAngle& first, const AxisAngle& second, const 
 
 // The screen's axes in model coordinates. False when the host does not tell its view or the view is degenerate.
 bool getScreenAxes(Vector3& ax, Vector3& ay, Vector3& az) {
-    ProMatrix view;
+    ProMatrix view{};
     if (ProViewMatrixGet(nullptr, nullptr, view) != PRO_TK_NO_ERROR) return false;
+    const Matrix3 rows = withUnitRows(inverse(blockOf(view)));
+    if (!isFinite(rows)) return false;
     ProMatrix toModel;
-    toToolkit(withUnitRows(inverse(blockOf(view))), {0, 0, 0}, toModel);
+    toToolkit(rows, {0, 0, 0}, toModel);
     Vector3* const results[] = {&ax, &ay, &az};
     for (int i = 0; i < 3; ++i) {
         ProVector unit = {kIdentity3[i][0], kIdentity3[i][1], kIdentity3[i][2]};
         if (ProVectorTrfEval(unit, toModel, results[i]->data()) != PRO_TK_NO_ERROR) return false;
-        if (!isFinite(*results[i])) return false;
     }
     return true;
 }
 
 // The component that a selection moves: always the top-level one of its path.
 struct SelectedComponent {
-    ProAsmcomppath path;
-    ProAsmcomp component;
-    ProMatrix position;
+    ProAsmcomppath path{};
+    ProAsmcomp component{};
+    ProMatrix position{};
 
-    // False for a selection without a component path, and for a component whose position the host does not tell:
-    // it would otherwise be put anywhere.
+    // False for a selection without a component path, and for a component whose position the host does not tell or
+    // that cannot be turned: it would otherwise be put anywhere.
     bool read(ProSelection selection) {
-        path = {};
-        component = {};
         if (ProSelectionAsmcomppathGet(selection, &path) != PRO_TK_NO_ERROR || path.table_num <= 0) return false;
-        ProFeatureInit(path.owner, path.comp_id_table[0], &component);
-        return ProAsmcompPositionGet(&component, position) == PRO_TK_NO_ERROR;
+        const int id = path.comp_id_table[0];
+        if (path.table_num > PRO_MAX_ASSEM_LEVEL) return leaveAlone(id, "its path is longer than a path can be");
+        if (ProFeatureInit(path.owner, id, &component) != PRO_TK_NO_ERROR ||
+            ProAsmcompPositionGet(&component, position) != PRO_TK_NO_ERROR) {
+            return leaveAlone(id, "its position cannot be read");
+        }
+        if (!isFinite(originOf(position)) || !spansSpace()) {
+            return leaveAlone(id, "its position is degenerate or not finite");
+        }
+        return true;
+    }
+
+  private:
+    static bool leaveAlone(int id, const char* reason) {
+        notMoved.tell(id, reason);
+        return false;
+    }
+    // Whether the axes point in three directions. What is not finite does not.
+    bool spansSpace() const {
+        constexpr double kFlat = 1e-9;
+        return std::abs(determinant(withUnitRows(blockOf(position)))) > kFlat;
     }
 };
 
-// Centre of the bounding box of the selected components' origins.
-Vector3 centreOf(const Selections& selections, int count) {
+// The selections that take part in a step, by index: those that the centre was taken of. What cannot be read then, and
+// can a moment later, would be turned about a centre that is not its own.
+class Members {
+  public:
+    explicit Members(int count) : mFlags(std::move(sSpare)) {
+        mFlags.assign(static_cast<std::size_t>(std::max(0, count)), false);
+    }
+    ~Members() { sSpare = std::move(mFlags); }
+    Members(const Members&) = delete;
+    Members& operator=(const Members&) = delete;
+
+    void add(int index) { mFlags[static_cast<std::size_t>(index)] = true; }
+    bool contains(int index) const { return mFlags[static_cast<std::size_t>(index)]; }
+
+  private:
+    static std::vector<bool> sSpare;  // keeps its memory, so that a step allocates nothing
+    std::vector<bool> mFlags;
+};
+std::vector<bool> Members::sSpare;
+
+// Centre of the bounding box of the selected components' origins; not finite when they are too far apart.
+Vector3 centreOf(const Selections& selections, int count, Members& members) {
     Vector3 low{}, high{};
     bool isSeeded = false;
     for (int i = 0; i < count; ++i) {
         SelectedComponent selected;
         if (!selected.read(selections.at(i))) continue;
+        members.add(i);
         const Vector3 origin = originOf(selected.position);
         if (!isSeeded) low = high = origin;
         isSeeded = true;
@@ -149,7 +221,8 @@ Vector3 centreOf(const Selections& selections, int count) {
     return low + (high - low) * 0.5;
 }
 
-void movePosition(ProMatrix& position, const Step& step, const Matrix3& pivotRotation, const Matrix3& axisRotation,
+// False when the result would not be finite; the position is of no use then.
+bool movePosition(ProMatrix& position, const Step& step, const Matrix3& pivotRotation, const Matrix3& axisRotation,
                   const Vector3& centre) {
     Vector3 origin = pivotRotation * (originOf(position) - centre) + centre;
     Matrix3 axes = blockOf(position);
@@ -160,34 +233,47 @@ void movePosition(ProMatrix& position, const Step& step, const Matrix3& pivotRot
         origin = origin + step.ax * step.dtx + step.ay * step.dty + step.az * step.dtz;
     }
     toToolkit(axes, origin, position);
+    return isFinite(axes) && isFinite(origin);
 }
 
-// Moves and turns the selected components by one step, as a group about the centre of their origins. False when
-// nothing is selected.
+// Moves and turns the selected components by one step, as a group about the centre of their origins. False when there
+// is nothing that could be moved.
 bool moveComponents(const Step& step) {
     int window = -1;
     ProMdl assembly = nullptr;
-    ProWindowCurrentGet(&window);
+    const bool isWindowKnown = ProWindowCurrentGet(&window) == PRO_TK_NO_ERROR;
     ProMdlCurrentGet(&assembly);
     const Selections selections;
     if (selections.isNull()) return false;
+    if (assembly == nullptr) {
+        notMoved.tell("there is no current model");
+        return false;
+    }
 
     {
         const DynamicPositioning positioning(assembly);
         const int count = selections.size();
-        const Vector3 centre = centreOf(selections, count);
+        if (count < 0) {
+            notMoved.tell("its size makes no sense");
+            return false;
+        }
+        Members members(count);
+        const Vector3 centre = centreOf(selections, count, members);
         const AxisAngle x{step.ax, step.drx}, y{step.ay, step.dry}, z{step.az, step.drz};
         const Matrix3 pivotRotation = composedRotation(x, y, z);
         const Matrix3 axisRotation = composedRotation(z, y, x);  // the other order, as it always was
         for (int i = 0; i < count; ++i) {
             SelectedComponent selected;
-            if (!selected.read(selections.at(i))) continue;
-            movePosition(selected.position, step, pivotRotation, axisRotation, centre);
+            if (!members.contains(i) || !selected.read(selections.at(i))) continue;
+            if (!movePosition(selected.position, step, pivotRotation, axisRotation, centre)) {
+                notMoved.tell(selected.component.id, "it would come to lie nowhere");
+                continue;
+            }
             ProAsmcompPositionSet(&selected.path, &selected.component, selected.position);
             ProAsmcompRegenerate(&selected.component, PRO_B_TRUE);
         }
     }
-    ProWindowRefresh(window);
+    if (isWindowKnown) ProWindowRefresh(window);
     return true;
 }
 
@@ -271,6 +357,7 @@ bool CreoProxy::transformOnce() {
     const bool isMoving = !axes.areWithin(mSettings.mMinThreshold);
     if (isMoving != capMoving) {
         capMoving = isMoving;
+        notMoved.startMovement();
         OB_LOG(LogLevel::TRC) << (isMoving ? "Cap moving." : "Cap released.");
     }
     if (!isMoving) return false;
@@ -279,11 +366,13 @@ bool CreoProxy::transformOnce() {
 
     Step step;
     if (!scaleStep(axes, mSettings, step)) {
-        OB_LOG(LogLevel::ERR) << "transSensBase or rotSensBase too small, components are not moved!";
+        if (mLogLimit.isDue("divisors")) {
+            OB_LOG(LogLevel::ERR) << "transSensBase or rotSensBase too small, components are not moved!";
+        }
         return false;
     }
     if (!getScreenAxes(step.ax, step.ay, step.az)) {
-        OB_LOG(LogLevel::ERR) << "No screen axes, components are not moved!";
+        if (mLogLimit.isDue("screen axes")) OB_LOG(LogLevel::ERR) << "No screen axes, components are not moved!";
         return false;
     }
     return moveComponents(step);

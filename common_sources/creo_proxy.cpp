@@ -21,20 +21,22 @@ char kMoveLabel[] = "Toggle Move Mode";
 char kScrollLabel[] = "Toggle Scroll Mode";
 wchar_t kMessageFile[] = L"Orbikon.txt";
 
-// The object that callbacks reach. The pointer stays when the object is gone; the flag says whether it may be used.
-CreoProxy* instance = nullptr;
-bool isInstanceAlive = false;
-
-void logFailure(const char* function, ProError err) {
-    if (err != PRO_TK_NO_ERROR) OB_LOG(LogLevel::ERR) << "Error in " << function << "()! err=" << err;
-}
-
 // --- What Creo calls ---
 
-int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
-    return atEdge({kLogClass, "moveToggleAction"}, 0, [value] {
+// Runs the body of a callback, and before it the timer, should none be armed. `otherwise` is answered when there is no
+// object that may be used, and when something is thrown.
+template <typename Body>
+int visit(const Edge& edge, int otherwise, Body&& body) {
+    return atEdge(edge, otherwise, [&] {
         const CreoProxy::Visit proxy;
-        if (!proxy) return 0;
+        if (!proxy) return otherwise;
+        proxy->ensureTimer();
+        return body(proxy);
+    });
+}
+
+int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
+    return visit({kLogClass, "moveToggleAction"}, 0, [value](auto& proxy) {
         const bool isOn = proxy->toggleComponentMove();
         ProCmdChkbuttonValueSet(value, isOn);
         return isOn ? 1 : 0;
@@ -42,9 +44,7 @@ int moveToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 }
 
 int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
-    return atEdge({kLogClass, "scrollToggleAction"}, 0, [value] {
-        const CreoProxy::Visit proxy;
-        if (!proxy) return 0;
+    return visit({kLogClass, "scrollToggleAction"}, 0, [value](auto& proxy) {
         const bool isOn = proxy->toggleScrolling();
         ProCmdChkbuttonValueSet(value, isOn);
         return isOn ? 0 : 1;  // the inverse of the move toggle's answer, as it always was
@@ -52,51 +52,45 @@ int scrollToggleAction(uiCmdCmdId, uiCmdValue* value, void*) {
 }
 
 int moveToggleValue(uiCmdCmdId, uiCmdValue* value) {
-    return atEdge({kLogClass, "moveToggleValue"}, -1, [value] {
-        if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
+    return visit({kLogClass, "moveToggleValue"}, -1, [value](auto& proxy) {
+        ProCmdChkbuttonValueSet(value, proxy->isComponentMoveOn());
         return -1;
     });
 }
 
 int scrollToggleValue(uiCmdCmdId, uiCmdValue* value) {
-    return atEdge({kLogClass, "scrollToggleValue"}, -1, [value] {
-        if (const CreoProxy::Visit proxy; proxy) ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
+    return visit({kLogClass, "scrollToggleValue"}, -1, [value](auto& proxy) {
+        ProCmdChkbuttonValueSet(value, proxy->isScrollingOn());
         return -1;
     });
 }
 
 int moveToggleAccess(int) {
-    return atEdge({kLogClass, "moveToggleAccess"}, ACCESS_UNAVAILABLE, [] {
-        const CreoProxy::Visit proxy;
-        if (!proxy) return ACCESS_UNAVAILABLE;
+    return visit({kLogClass, "moveToggleAccess"}, ACCESS_UNAVAILABLE, [](auto& proxy) {
         proxy->checkWindows();
         return proxy->checkMode(true) == CreoProxy::kAssemblyMode ? ACCESS_AVAILABLE : ACCESS_UNAVAILABLE;
     });
 }
 
 int scrollToggleAccess(int) {
-    return atEdge({kLogClass, "scrollToggleAccess"}, ACCESS_AVAILABLE, [] {
-        if (const CreoProxy::Visit proxy; proxy) {
-            proxy->checkWindows();
-            proxy->checkMode(true);
-        }
+    return visit({kLogClass, "scrollToggleAccess"}, ACCESS_AVAILABLE, [](auto& proxy) {
+        proxy->checkWindows();
+        proxy->checkMode(true);
         return ACCESS_AVAILABLE;
     });
 }
 
 int onWindowChange() {
-    return atEdge({kLogClass, "onWindowChange"}, 0, [] {
-        if (const CreoProxy::Visit proxy; proxy) {
-            proxy->checkWindows();
-            proxy->checkMode(false);
-        }
+    return visit({kLogClass, "onWindowChange"}, 0, [](auto& proxy) {
+        proxy->checkWindows();
+        proxy->checkMode(false);
         return 0;
     });
 }
 
 int onModelChange() {
-    return atEdge({kLogClass, "onModelChange"}, 0, [] {
-        if (const CreoProxy::Visit proxy; proxy) proxy->checkMode(false);
+    return visit({kLogClass, "onModelChange"}, 0, [](auto& proxy) {
+        proxy->checkMode(false);
         return 0;
     });
 }
@@ -117,44 +111,42 @@ constexpr std::array<Notification, 5> kNotifications{{
 
 }  // namespace
 
-CreoProxy::Visit::Visit() : mProxy(isInstanceAlive ? instance : nullptr) {
-    if (mProxy != nullptr) ++mProxy->mVisits;
-}
-
-CreoProxy::Visit::~Visit() {
-    if (mProxy != nullptr && --mProxy->mVisits == 0 && mProxy->mIsEndPutOff) mProxy->mEndPlugIn();
-}
-
-bool CreoProxy::putOffEnd() {
-    if (!isInstanceAlive || instance->mVisits == 0) return false;
-    instance->mHandOver.isEnding = true;
-    return instance->mIsEndPutOff = true;
-}
-
-CreoProxy::CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, void (*endPlugIn)())
-    : mSettings(settings), mHandOver(handOver), mLegacyCom1(legacyCom1), mEndPlugIn(endPlugIn) {
+CreoProxy::CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, LifeCycle& lifeCycle)
+    : mSettings(settings), mHandOver(handOver), mLegacyCom1(legacyCom1) {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
-    instance = this;
-    isInstanceAlive = true;
-    discoverWindows();
-    registerCommands();
-    for (const auto& [type, handler, isUnset] : kNotifications) {
-        logFailure("ProNotificationSet", ProNotificationSet(type, handler));
+    receiveCallbacks(lifeCycle);
+    try {
+        discoverWindows();
+        registerAll();
+        if (mSettings.mUseMapkeyForCommands) defineMapkey();
+    } catch (...) {
+        unregister();
+        throw;
     }
-    if (mSettings.mUseMapkeyForCommands) defineMapkey();
     OB_LOG(LogLevel::CRT) << "CreoProxy constructed.";
 }
 
 CreoProxy::~CreoProxy() {
     OB_LOG(LogLevel::CRT) << "Destructing ...";
+    unregister();
+    OB_LOG(LogLevel::CRT) << "Destructed.";
+}
+
+void CreoProxy::registerAll() {
+    registerCommands();
+    for (const auto& [type, handler, isUnset] : kNotifications) {
+        logFailure("ProNotificationSet", ProNotificationSet(type, handler));
+    }
+}
+
+void CreoProxy::unregister() {
     for (const auto& [type, handler, isUnset] : kNotifications) {
         if (isUnset) logFailure("ProNotificationUnset", ProNotificationUnset(type));
     }
     mHandOver.isEnding = true;
     killTimer();
     endGeneration();
-    isInstanceAlive = false;
-    OB_LOG(LogLevel::CRT) << "Destructed.";
+    refuseCallbacks();
 }
 
 void CreoProxy::registerCommands() {
@@ -168,21 +160,16 @@ void CreoProxy::registerCommands() {
 
     struct Item {
         char* label;
-        uiCmdCmdId command;
+        uiCmdCmdId command;  // null when Creo refused it
     };
     const std::array<Item, 2> items{{{kMoveLabel, moveCommand}, {kScrollLabel, scrollCommand}}};
     for (const auto& [label, command] : items) {
+        if (command == nullptr) continue;
         logFailure("ProMenubarmenuChkbuttonAdd", ProMenubarmenuChkbuttonAdd(kMenuName, label, label, label, nullptr,
                                                                             PRO_B_TRUE, command, kMessageFile));
     }
     for (const auto& [label, command] : items) {
+        if (command == nullptr) continue;
         logFailure("ProCmdDesignate", ProCmdDesignate(command, label, label, label, kMessageFile));
     }
-}
-
-bool CreoProxy::isScrollingOn() const { return mSettings.mScrollTreeAndList; }
-
-bool CreoProxy::toggleScrolling() {
-    bool& isOn = mSettings.mScrollTreeAndList;
-    return isOn = !isOn;
 }

@@ -1,6 +1,7 @@
 // The Creo side of the plug-in. One class; each concern has a source file of its own:
 //
 //   creo_proxy.cpp     construction, menu and commands, what Creo calls back
+//   creo_base.cpp      what the others stand on
 //   creo_timer.cpp     Creo's windows and the timer that drives everything
 //   creo_motion.cpp    who gets the cap's motion; moving components
 //   creo_mode.cpp      Creo's current mode
@@ -11,17 +12,24 @@
 //   creo_mapkey.cpp    running it through a mapkey and a trail file
 #pragma once
 
+#include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "common_sources/log_limit.h"
 
 struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-reserved-identifier)
 using WindowHandle = HWND__*;
 
 struct HandOver;
+class Cnfg;
 class LegacyCom1;
+class LifeCycle;
 class Settings;
 
 // Created once per user_initialize, destroyed by user_terminate. Everything runs on Creo's user-interface thread; what
@@ -32,15 +40,15 @@ class CreoProxy {
     static constexpr std::int32_t kAssemblyMode = 5;
 
     // Finds Creo's windows, arms the timer, registers menu, commands and notifications and, where the settings ask
-    // for it, the mapkey. What Creo refuses is logged and gone without. `endPlugIn` is called, as the last thing in a
-    // callback, for an end that was put off until then. What is handed in outlives this object.
-    CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, void (*endPlugIn)());
+    // for it, the mapkey. What Creo refuses is logged and gone without. What is handed in outlives this object, and
+    // `lifeCycle` the process's last callback.
+    CreoProxy(Settings& settings, HandOver& handOver, LegacyCom1& legacyCom1, LifeCycle& lifeCycle);
     ~CreoProxy();
     CreoProxy(const CreoProxy&) = delete;
     CreoProxy& operator=(const CreoProxy&) = delete;
 
     // The one object for the time of a callback that carries no user data; empty while there is none that may be
-    // used. An end that comes meanwhile (a toolkit call may dispatch messages) is put off until the last one is over.
+    // used. An end that comes meanwhile is put off until the last visit is over.
     class Visit {
       public:
         Visit();
@@ -54,8 +62,6 @@ class CreoProxy {
       private:
         CreoProxy* mProxy;
     };
-    // For whoever ends the plug-in: false when no visit is going on and the end may come at once.
-    static bool putOffEnd();
 
     // --- Mode ---
     // Asks Creo for its mode, stores and answers it. `fromAccessCheck`: the check comes from a command's access
@@ -81,8 +87,10 @@ class CreoProxy {
 
     // --- Menu file and commands ---
     // Reads the menu file into the table of commands and the list of mode names; generates the file when there is
-    // none. The timer calls it until the hand-over's progress says that this is at its end.
+    // none, and waits half a minute for one that cannot be read just now. The timer calls it while
+    // isMenuFileAwaited(). The hand-over's progress is at its end as soon as nothing is generated (any more).
     void loadMenufile();
+    bool isMenuFileAwaited() const;
     // Runs the command with that index in the table.
     void execApplFunction(std::uint32_t menuFncIdx);
     // Sets the standard view that belongs to a special device event.
@@ -97,6 +105,8 @@ class CreoProxy {
     // --- Timer and windows ---
     // Looks for Creo's windows again, and arms the timer, when one of the known ones is gone.
     void checkWindows();
+    // Arms the timer when none is armed: Windows refused it, or something was thrown in a tick.
+    void ensureTimer();
     // One timer tick, and the two steps of the window search: true = go on with the enumeration.
     void onTimer();
     bool onThreadWindow(WindowHandle window);
@@ -106,30 +116,36 @@ class CreoProxy {
     enum class Generation { running, succeeded, failed };
     using Names = std::vector<std::string>;
 
+    void receiveCallbacks(LifeCycle& lifeCycle);
+    void refuseCallbacks();
+    void registerAll();
     void registerCommands();
+    void unregister();
     void discoverWindows();
+    void armTimer(std::uint32_t interval);  // milliseconds
     void killTimer();
+    void logFailure(const char* function, int err);
     void runPendingCommands();
+    void setView(const std::array<double, 3>& axis, double angle);  // radians
+    void refitView();
     void decideLegacyChannel();
     bool transformOnce();
-    void readMenuFile(const std::string& path);
+    bool generateMenuFile(const std::string& path);
+    bool readMenuFile(Cnfg& file, const std::string& path);
     Generation createMNUFile(const std::string& path);
-    bool getLoadpointAndLanguage(std::string& loadpoint, std::string& language) const;
     void endGeneration();
     static void* generationEntry(void* proxy);
     void defineMapkey();
     void executeCommandByMapkey(const std::string& macro);
-    void sendMapkey() const;
+    void sendMapkey();
 
     Settings& mSettings;
     HandOver& mHandOver;
     LegacyCom1& mLegacyCom1;
-    void (*mEndPlugIn)();
-    std::vector<std::unique_ptr<const Names>> mAllModeNames;  // all that were handed over, for as long as this object
-    Names mMenuFunctions;                                     // command strings by function index
+    Names mMenuFunctions;  // command strings by function index
+    LogLimit mLogLimit;    // for lines that nobody but us asks for
     bool mIsInTick = false;
-    int mVisits = 0;  // going on now, one inside the other
-    bool mIsEndPutOff = false;
+    bool mIsTimerArmed = false;
     bool mIsComponentMoveOn = false;
     bool mIsMapkeyUsed = false;
     std::int32_t mLastSeenWindow = -1;
@@ -138,6 +154,8 @@ class CreoProxy {
     WindowHandle mTimerWindow = nullptr;  // carries the timer; also Creo's main window for keys
     WindowHandle mGraphicsWindow = nullptr;
 
+    // Until when a menu file that is there is tried again; empty unless a try has failed.
+    std::optional<std::chrono::steady_clock::time_point> mMenuFileDeadline;
     struct GenerationJob;
     std::shared_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated
 };

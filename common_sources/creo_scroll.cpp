@@ -7,13 +7,14 @@
 #include <string_view>
 
 #include "common_sources/creo_proxy.h"
-#include "common_sources/wheel_message.h"
+#include "common_sources/scroll_plan.h"
 
 namespace {
 
 using ScrollKind = CreoProxy::ScrollKind;
 
 constexpr int kClassNameSize = 255;
+constexpr int kMostWindows = 10000;
 
 struct ScrollClass {
     std::string_view name;
@@ -33,14 +34,6 @@ constexpr std::array<ScrollClass, 11> kScrollClasses{{
     {"Internet Explorer_Server", ScrollKind::wheel},
 }};
 
-// The pause between two steps is shorter the further the cap is deflected, and longer in a short range.
-constexpr int kLongestPauseMs = 150;
-constexpr int kShortestPauseMs = 1;
-constexpr int kShortRange = 50;
-
-constexpr int kMaxSteps = 10;
-constexpr int kRangePerStep = 100;
-
 struct ScrollBar {
     int bar;
     UINT message;
@@ -50,27 +43,72 @@ struct ScrollBar {
 constexpr ScrollBar kVertical{SB_VERT, WM_VSCROLL, SB_LINEUP, SB_LINEDOWN};
 constexpr ScrollBar kHorizontal{SB_HORZ, WM_HSCROLL, SB_LINELEFT, SB_LINERIGHT};
 
-// What the cap's translation asks for: the larger of two drives down (tz, or ty inverted), and one to the right.
-struct Drive {
-    int vertical;
-    int horizontal;
-    int a;  // size of the vertical drive
-    int h;  // size of the horizontal drive
+// Windows of other threads that did not answer in time. They are left alone for a while: whoever hangs once will not
+// answer with the next step, and Creo would stand still each time.
+class Unresponsive {
+  public:
+    void add(HWND window) {
+        mEntries[mNext] = {window, GetTickCount64() + kLeftAloneMs};
+        mNext = (mNext + 1) % mEntries.size();
+    }
+    bool contains(HWND window) const {
+        const ULONGLONG now = GetTickCount64();
+        return std::any_of(mEntries.begin(), mEntries.end(),
+                           [&](const Entry& entry) { return entry.window == window && now < entry.until; });
+    }
 
-    Drive(int tx, int ty, int tz)
-        : vertical(std::abs(tz) < std::abs(ty) ? -ty : tz),
-          horizontal(tx),
-          a(std::abs(vertical)),
-          h(std::abs(horizontal)) {}
+  private:
+    struct Entry {
+        HWND window;
+        ULONGLONG until;
+    };
+    static constexpr ULONGLONG kLeftAloneMs = 5000;
 
-    int pauseMs() const { return std::max(kShortestPauseMs, kLongestPauseMs - std::max(a, h) / 2); }
+    std::array<Entry, 8> mEntries{};  // the oldest makes room
+    std::size_t mNext = 0;
+};
+Unresponsive unresponsive;
+
+// Sends to one window during one step. Windows of Creo's own thread are sent to as ever. Those of another thread may
+// hang: together their answers take a tenth of a second at most.
+class Sender {
+  public:
+    explicit Sender(HWND window)
+        : mWindow(window), mIsOwnThread(GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) {}
+
+    bool isOwnThread() const { return mIsOwnThread; }
+
+    // False when the window did not answer in time; it is left alone then.
+    bool send(UINT message, WPARAM wParam = 0) const {
+        if (mIsOwnThread) {
+            SendMessageA(mWindow, message, wParam, 0);
+            return true;
+        }
+        const ULONGLONG used = GetTickCount64() - mStart;
+        DWORD_PTR ignored = 0;
+        if (used < kPatienceMs && SendMessageTimeoutA(mWindow, message, wParam, 0, SMTO_ABORTIFHUNG,
+                                                      static_cast<UINT>(kPatienceMs - used), &ignored) != 0) {
+            return true;
+        }
+        unresponsive.add(mWindow);
+        return false;
+    }
+
+  private:
+    static constexpr ULONGLONG kPatienceMs = 100;
+
+    HWND mWindow;
+    bool mIsOwnThread;
+    ULONGLONG mStart = GetTickCount64();
 };
 
 std::int64_t area(const RECT& rect) {
     return std::int64_t{rect.right - rect.left} * std::int64_t{rect.bottom - rect.top};
 }
 
-// Innermost visible window at a screen point, the smallest of overlapping siblings; null when there is none.
+// Innermost visible window at a screen point, the smallest of overlapping siblings; null when there is none. Other
+// threads may put their windows elsewhere meanwhile, and a walk from one to the next would never come to an end, so it
+// ends after a number of windows that Creo never has.
 HWND windowAtPoint(POINT point) {
     HWND best = WindowFromPoint(point);
     if (best == nullptr) return nullptr;
@@ -79,9 +117,10 @@ HWND windowAtPoint(POINT point) {
     HWND parent = GetParent(best);
     if (parent == nullptr) return best;
     HWND sibling = GetWindow(best, GW_HWNDNEXT);
+    int left = kMostWindows;
     for (;;) {
         bool isReplaced = false;
-        for (; sibling != nullptr; sibling = GetWindow(sibling, GW_HWNDNEXT)) {
+        for (; sibling != nullptr && left > 0; sibling = GetWindow(sibling, GW_HWNDNEXT), --left) {
             RECT rect{};
             if (!GetWindowRect(sibling, &rect) || !PtInRect(&rect, point)) continue;
             if (GetParent(sibling) != parent || !IsWindowVisible(sibling) || area(rect) >= area(bestRect)) continue;
@@ -103,46 +142,41 @@ bool isOwnProcess(HWND window) {
     return process == GetCurrentProcessId();
 }
 
-// One call's worth of line steps. True when the window has a range to scroll, whether or not it moved.
-bool scrollByBar(HWND window, const ScrollBar& bar, int drive, int& nMax) {
+// True when the window has a range to scroll, whether or not it moved.
+bool scrollBarWindow(HWND window, const ScrollDrive& drive) {
+    if (drive.isEqual()) return true;
+    const ScrollBar& bar = drive.isVertical() ? kVertical : kHorizontal;
+    const Sender sender(window);
+    // Asking for the range has no time limit of its own, so a window that may hang gives a sign of life first.
+    if (!sender.isOwnThread() && !sender.send(WM_NULL)) return false;
     SCROLLINFO info{};
     info.cbSize = sizeof info;
     info.fMask = SIF_ALL;
     if (!GetScrollInfo(window, bar.bar, &info)) return false;
-    nMax = info.nMax;
-    if (info.nMin < 0 || info.nMax < 0 || info.nMax <= info.nMin || info.nPage == 0) return false;
-    const bool canGoBackward = drive < 0 && info.nPos > 0;
-    const bool canGoForward = drive > 0 && std::int64_t{info.nPos} + info.nPage <= info.nMax;
-    const int steps = std::clamp(info.nMax / kRangePerStep, 1, kMaxSteps);
-    for (int i = 0; i < steps; ++i) {
-        if (canGoBackward) SendMessageA(window, bar.message, bar.backward, 0);
-        if (canGoForward) SendMessageA(window, bar.message, bar.forward, 0);
+    const ScrollRange range{info.nMin, info.nMax, info.nPage, info.nPos};
+    if (!range.isSensible()) return false;
+    const int steps = range.steps(drive.larger());
+    for (int i = 0; i < std::abs(steps); ++i) {
+        if (!sender.send(bar.message, steps < 0 ? bar.backward : bar.forward)) return false;
     }
+    Sleep(static_cast<DWORD>(drive.pauseMs() + range.extraPauseMs()));
     return true;
 }
 
-bool scrollBarWindow(HWND window, const Drive& drive) {
-    if (drive.a == drive.h) return true;
-    const bool isVertical = drive.h < drive.a;
-    int nMax = 0;
-    if (!scrollByBar(window, isVertical ? kVertical : kHorizontal, isVertical ? drive.vertical : drive.horizontal,
-                     nMax)) {
-        return false;
-    }
-    if (nMax < 1) return false;
-    Sleep(static_cast<DWORD>(drive.pauseMs() + std::max(0, kShortRange - nMax)));
-    return true;
-}
-
-// Both drives turn the one wheel that there is, the vertical one.
-void wheelWindow(HWND window, const Drive& drive, int x, int y) {
-    if (drive.a != drive.h) {
-        const int direction = drive.h < drive.a ? drive.vertical : drive.horizontal;
-        PostMessageA(window, WM_MOUSEWHEEL, wheelWParam(direction), static_cast<LPARAM>(wheelLParam(x, y)));
-        UpdateWindow(window);
+// Both drives turn the one wheel that there is, the vertical one. False when the window hangs.
+bool wheelWindow(HWND window, const ScrollDrive& drive, int x, int y) {
+    if (!drive.isEqual()) {
+        PostMessageA(window, WM_MOUSEWHEEL, wheelWParam(drive.larger()), static_cast<LPARAM>(wheelLParam(x, y)));
+        const Sender sender(window);
+        if (sender.isOwnThread()) {
+            UpdateWindow(window);
+        } else if (!sender.send(WM_PAINT)) {  // what UpdateWindow sends, without its patience
+            return false;
+        }
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE);
     }
     Sleep(static_cast<DWORD>(drive.pauseMs()));
+    return true;
 }
 
 }  // namespace
@@ -158,6 +192,7 @@ CreoProxy::ScrollKind CreoProxy::classifyPointerWindow(int& x, int& y, WindowHan
     const HWND root = GetAncestor(window, GA_ROOT);
     if (root != nullptr && root != GetForegroundWindow()) return ScrollKind::none;
     if (!isOwnProcess(root != nullptr ? root : window)) return ScrollKind::none;
+    if (unresponsive.contains(window)) return ScrollKind::none;
     char name[kClassNameSize] = "";
     GetClassNameA(window, name, kClassNameSize);
     for (const auto& scrollClass : kScrollClasses) {
@@ -169,13 +204,12 @@ CreoProxy::ScrollKind CreoProxy::classifyPointerWindow(int& x, int& y, WindowHan
 bool CreoProxy::scrollTreeAndList(std::int16_t tx, std::int16_t ty, std::int16_t tz) const {
     int x = 0, y = 0;
     WindowHandle window = nullptr;
-    const Drive drive(tx, ty, tz);
+    const ScrollDrive drive(tx, ty, tz);
     switch (classifyPointerWindow(x, y, window)) {
         case ScrollKind::scrollBar:
             return scrollBarWindow(window, drive);
         case ScrollKind::wheel:
-            wheelWindow(window, drive, x, y);
-            return true;
+            return wheelWindow(window, drive, x, y);
         case ScrollKind::none:
             break;
     }

@@ -33,19 +33,12 @@ BOOL CALLBACK MyEnumThreadWndProc(HWND window, LPARAM) {
     });
 }
 
+// Comes to children of children, too, each right behind its parent.
 BOOL CALLBACK findGraphicsWindow(HWND child, LPARAM) {
     return atEdge({kLogClass, "findGraphicsWindow"}, FALSE, [child]() -> BOOL {
         const CreoProxy::Visit proxy;
         return proxy && proxy->onChildWindow(child);
     });
-}
-
-void setTimer(HWND window, UINT interval) {
-    // Without a window Windows would make up a timer of its own, which nobody could end again.
-    if (!isValid(window)) return;
-    if (SetTimer(window, kTimerId, interval, TimerProc) != 0) return;
-    const DWORD err = GetLastError();  // before the log calls Windows
-    OB_LOG(LogLevel::ERR) << "Error in SetTimer()! err=" << err;
 }
 
 // Marks a tick as running for the time of a scope.
@@ -74,7 +67,7 @@ bool CreoProxy::onThreadWindow(WindowHandle window) {
             OB_LOG(LogLevel::ERR) << "No valid Creo Window Handle found for Timer";
         } else {
             OB_LOG(LogLevel::DBG) << "Window Handle found for Timer: " << static_cast<const void*>(mTimerWindow);
-            setTimer(mTimerWindow, kRestIntervalMs);
+            armTimer(kRestIntervalMs);
         }
     }
     EnumChildWindows(window, findGraphicsWindow, 0);
@@ -84,12 +77,9 @@ bool CreoProxy::onThreadWindow(WindowHandle window) {
 bool CreoProxy::onChildWindow(WindowHandle child) {
     char name[kClassNameSize] = "";
     GetClassNameA(child, name, kClassNameSize);
-    if (name == kGraphicsWindowClass) {
-        mGraphicsWindow = child;
-        return false;
-    }
-    EnumChildWindows(child, findGraphicsWindow, 0);
-    return !isValid(mGraphicsWindow);
+    if (name != kGraphicsWindowClass) return true;
+    mGraphicsWindow = child;
+    return false;
 }
 
 void CreoProxy::checkWindows() {
@@ -102,8 +92,24 @@ void CreoProxy::checkWindows() {
     discoverWindows();
 }
 
+void CreoProxy::armTimer(std::uint32_t interval) {
+    // Without a window Windows would make up a timer of its own, which nobody could end again.
+    if (!isValid(mTimerWindow)) return;
+    mIsTimerArmed = SetTimer(mTimerWindow, kTimerId, interval, TimerProc) != 0;
+    if (mIsTimerArmed) return;
+    const DWORD err = GetLastError();  // before the log calls Windows
+    if (mLogLimit.isDue("SetTimer")) OB_LOG(LogLevel::ERR) << "Error in SetTimer()! err=" << err;
+}
+
+void CreoProxy::ensureTimer() {
+    // A tick arms the timer itself when it is over.
+    if (mIsTimerArmed || mIsInTick || mHandOver.isEnding || !IsWindow(mTimerWindow)) return;
+    armTimer(kRestIntervalMs);
+}
+
 void CreoProxy::killTimer() {
     if (isValid(mTimerWindow)) KillTimer(mTimerWindow, kTimerId);
+    mIsTimerArmed = false;
 }
 
 void CreoProxy::onTimer() {
@@ -112,12 +118,12 @@ void CreoProxy::onTimer() {
     OB_LOG(LogLevel::INF) << "Timer Callback start";
     killTimer();
     if (mSettings.mIsModeToRead) checkMode(false);
-    if (mHandOver.menuFileProgress != HandOver::kProgressDone) loadMenufile();
+    if (isMenuFileAwaited()) loadMenufile();
     doTransform();
     if (!mHandOver.isEnding) {
         const UINT interval = isCapMoving() ? kMovingIntervalMs : kRestIntervalMs;
         OB_LOG(LogLevel::DBG) << "timerIntvl: " << interval;
-        setTimer(mTimerWindow, interval);
+        armTimer(interval);
     }
     OB_LOG(LogLevel::INF) << "Timer Callback end";
 }

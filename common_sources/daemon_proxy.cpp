@@ -1,7 +1,9 @@
 #include "common_sources/daemon_proxy.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 #include "common_sources/edge.h"
 #include "common_sources/hand_over.h"
@@ -15,7 +17,7 @@ constexpr char kLogClass[] = "DaemonProxy";
 constexpr int kDevice = 0;
 constexpr char kConnectName[] = "xtopCreo";
 constexpr char kModeOwner[] = "Creo";
-constexpr std::chrono::milliseconds kReadingThreadPoll{200};
+constexpr std::int32_t kMostDevices = 16;  // one is usual
 constexpr std::chrono::milliseconds kProgressPoll{50};
 
 bool isSpecialEvent(std::int32_t event) {
@@ -37,105 +39,104 @@ void storeRotationMode(std::int32_t code, HandOver& handOver) {
 
 }  // namespace
 
-DaemonProxy::DaemonProxy(HandOver& handOver) : mHandOver(handOver) {
+DaemonProxy::DaemonProxy(std::shared_ptr<HandOver> handOver)
+    : mHandOver(std::move(handOver)), mLink(std::make_shared<DaemonLink>(mHandOver)) {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
-    mHandOver.applFunction = HandOver::kNoFunction;
-    connect();
-    mIsReadingThreadRunning = true;  // before the thread runs: destruction must not overtake its start
-    if (pthread_create(&mReadingThread, nullptr, &readingEntry, this) != 0) mIsReadingThreadRunning = false;
+    mHandOver->applFunction = HandOver::kNoFunction;
+    mLink->connect();
+    mReadingThread.start([link = mLink] { link->readMouseEvents(); });
     OB_LOG(LogLevel::CRT) << "Constructed.";
 }
 
 DaemonProxy::~DaemonProxy() {
     OB_LOG(LogLevel::CRT) << "Destructing ...";
-    mHandOver.isEnding = true;
-    if (obDisconnect() != 0) OB_LOG(LogLevel::ERR) << "Error in obDisConnect()!";
-    while (mIsReadingThreadRunning) std::this_thread::sleep_for(kReadingThreadPoll);
+    mHandOver->isEnding = true;
+    if (callPatiently("obDisconnect", &obDisconnect) != 0) OB_LOG(LogLevel::ERR) << "Error in obDisConnect()!";
+    mReadingThread.waitForEnd("the reading thread");
     OB_LOG(LogLevel::CRT) << "Destructed.";
 }
 
-bool DaemonProxy::checkConnection() {
+DaemonLink::DaemonLink(std::shared_ptr<HandOver> handOver) : mHandOver(std::move(handOver)) {}
+
+bool DaemonLink::checkConnection() {
     std::int32_t count = 0, unused1 = 0, unused2 = 0;
-    if (obGetDevNum(&count, &unused1, &unused2) == 0) return mIsConnected = true;
+    const int status = obGetDevNum(&count, &unused1, &unused2);
+    if (mHandOver->isEnding) return false;
+    mHandOver->isConnected = status == 0;
+    if (status == 0) return true;
+    mHandOver->motion.lose();
     OB_LOG(LogLevel::ERR) << "Error in obGetDevNum()!";
-    mIsConnected = false;
-    if (obDisconnect() != 0) OB_LOG(LogLevel::ERR) << "Error in obDisconnect()!";
+    if (obDisconnect() != 0 && !mHandOver->isEnding) OB_LOG(LogLevel::ERR) << "Error in obDisconnect()!";
+    mHandOver->motion.lose();  // what was read between the two
     return false;
 }
 
-bool DaemonProxy::connect() {
+bool DaemonLink::connect() {
     OB_LOG(LogLevel::TRC) << "Checking connection ...";
-    mIsConnected = false;
-    if (obConnect(kDevice, kConnectName) != 0) {
+    mHandOver->isConnected = false;
+    const int connected = obConnect(kDevice, kConnectName);
+    if (mHandOver->isEnding) return false;
+    if (connected != 0) {
         OB_LOG(LogLevel::ERR) << "Error in obConnect()!";
         return false;
     }
     std::int32_t count = 0, unused1 = 0, unused2 = 0;
-    if (obGetDevNum(&count, &unused1, &unused2) != 0) {
+    const int counted = obGetDevNum(&count, &unused1, &unused2);
+    if (mHandOver->isEnding) return false;
+    if (counted != 0) {
         OB_LOG(LogLevel::ERR) << "Error in obGetDevNum()!";
         return false;
     }
-    for (std::int32_t device = 0; device < count; ++device) {
-        ObDevInfo info{};
-        if (obGetDevInfo(device, &info) != 0) {
-            OB_LOG(LogLevel::ERR) << "Error in obGetDevInfo()!";
-            return false;
-        }
-        info.name[sizeof info.name - 1] = '\0';
-        OB_LOG(LogLevel::INF) << "devIdx: " << device << ":" << info.name;
-    }
+    if (!logDevices(count)) return false;
     retrieveRotMode();
-    mIsConnected = true;
+    mHandOver->isConnected = true;
     mIsModeToResend = true;
     return true;
 }
 
-void DaemonProxy::retrieveRotMode() {
+bool DaemonLink::logDevices(std::int32_t count) {
+    const std::int32_t asked = std::clamp(count, 0, kMostDevices);
+    if (asked != count) {
+        OB_LOG_IN(LogLevel::WRN, "connect")
+            << "The driver counts " << count << " devices, only " << asked << " are asked for.";
+    }
+    for (std::int32_t device = 0; device < asked; ++device) {
+        ObDevInfo info{};
+        const int status = obGetDevInfo(device, &info);
+        if (mHandOver->isEnding) return false;
+        if (status != 0) {
+            OB_LOG_IN(LogLevel::ERR, "connect") << "Error in obGetDevInfo()!";
+            return false;
+        }
+        info.name[sizeof info.name - 1] = '\0';
+        OB_LOG_IN(LogLevel::INF, "connect") << "devIdx: " << device << ":" << info.name;
+    }
+    return true;
+}
+
+void DaemonLink::retrieveRotMode() {
     ObAdvancedSettings settings{};
-    if (obGetAdvancedSettings(kDevice, &settings) != 0) {
+    const int status = obGetAdvancedSettings(kDevice, &settings);
+    if (mHandOver->isEnding) return;
+    if (status != 0) {
         OB_LOG(LogLevel::ERR) << "Error in obGetAdvancedSettings()!";
         settings = {};
     }
-    storeRotationMode(settings.rotationMode, mHandOver);
-    mHandOver.contextFlag = settings.contextFlag;
+    storeRotationMode(settings.rotationMode, *mHandOver);
+    mHandOver->contextFlag = settings.contextFlag;
 }
 
-void* DaemonProxy::readingEntry(void* proxy) {
-    auto* self = static_cast<DaemonProxy*>(proxy);
-    atEdge({kLogClass, "readMouseEvents"}, [self] { self->readMouseEvents(); });
-    self->mIsReadingThreadRunning = false;
-    return nullptr;
-}
-
-void DaemonProxy::readMouseEvents() {
+void DaemonLink::readMouseEvents() {
     mLastModeSent.clear();
-    showProgress();
-    HandOver::Motion& slots = mHandOver.motion;
-    while (!mHandOver.isEnding) {
-        std::int16_t tx = 0, ty = 0, tz = 0, rx = 0, ry = 0, rz = 0;
-        std::int32_t unused1 = 0, unused2 = 0, event = -1, extra1 = 0, extra2 = 0;
-        const int status =
-            obReadDeviceData(kDevice, &tx, &ty, &tz, &rx, &ry, &rz, &unused1, &unused2, &event, &extra1, &extra2);
-        if (event > -1) handleEvent(event);
-        if (status == 0) {
-            slots.tx.store(tx, std::memory_order_relaxed);
-            slots.ty.store(ty, std::memory_order_relaxed);
-            slots.tz.store(tz, std::memory_order_relaxed);
-            slots.rx.store(rx, std::memory_order_relaxed);
-            slots.ry.store(ry, std::memory_order_relaxed);
-            slots.rz.store(rz, std::memory_order_relaxed);
-            slots.extra1.store(extra1, std::memory_order_relaxed);
-            slots.extra2.store(extra2, std::memory_order_relaxed);
-        }
-        sendMode();
-    }
+    atEdge({kLogClass, "showProgress"}, [this] { showProgress(); });
+    while (!mHandOver->isEnding) atEdge({kLogClass, "readMouseEvents"}, [this] { readOnce(); });
 }
 
 // First start: while the menu file is being generated, shows how far it is. Ends with the generation.
-void DaemonProxy::showProgress() {
+void DaemonLink::showProgress() {
     ProgressWindow window;
-    while (!mHandOver.isEnding) {
-        const double progress = mHandOver.menuFileProgress;
+    while (!mHandOver->isEnding) {
+        const double progress = mHandOver->menuFileProgress;
         if (progress >= HandOver::kProgressDone) break;
         if (progress >= 0.0) {
             if (!window.isRunning()) window.start();
@@ -146,16 +147,33 @@ void DaemonProxy::showProgress() {
     window.stop();
 }
 
-void DaemonProxy::handleEvent(std::int32_t event) {
+void DaemonLink::readOnce() {
+    HandOver::Motion& slots = mHandOver->motion;
+    const std::uint16_t losses = slots.losses;
+    std::int16_t tx = 0, ty = 0, tz = 0, rx = 0, ry = 0, rz = 0;
+    std::int32_t unused1 = 0, unused2 = 0, event = -1, extra1 = 0, extra2 = 0;
+    const int status =
+        obReadDeviceData(kDevice, &tx, &ty, &tz, &rx, &ry, &rz, &unused1, &unused2, &event, &extra1, &extra2);
+    if (mHandOver->isEnding) return;
+    if (event > -1) handleEvent(event);
+    if (status == 0) {
+        slots.store({tx, ty, tz, rx, ry, rz}, losses);
+        slots.extra1.store(extra1, std::memory_order_relaxed);
+        slots.extra2.store(extra2, std::memory_order_relaxed);
+    }
+    sendMode();
+}
+
+void DaemonLink::handleEvent(std::int32_t event) {
     OB_LOG(LogLevel::TRC) << "event: " << event << ", APPL_FUNC_START: " << APPL_FUNC_START;
     if (event == kEventSettingsChanged1 || event == kEventSettingsChanged2) retrieveRotMode();
-    if (isSpecialEvent(event)) mHandOver.specialEvent = event;
-    if (event >= APPL_FUNC_START) mHandOver.applFunction = event - APPL_FUNC_START;
+    if (isSpecialEvent(event)) mHandOver->specialEvent = event;
+    if (event >= APPL_FUNC_START) mHandOver->applFunction = event - APPL_FUNC_START;
     if (event == kEventResendMode) mLastModeSent.clear();
 }
 
-void DaemonProxy::sendMode() {
-    const std::string_view mode = mHandOver.modeName();
+void DaemonLink::sendMode() {
+    const std::string_view mode = mHandOver->modeName();
     if (mode == mLastModeSent && !mIsModeToResend) return;
     // Cleared before the call, so that a reconnection during it is not forgotten.
     mIsModeToResend = false;

@@ -18,14 +18,22 @@ struct Edge {
     int line;
 };
 
-// Runs the body of a function that Creo or Windows calls. Nothing leaves it: whatever is thrown is logged as
-// "Error <method>()" and answered by `onError`.
+// Logs "Error <method>()", unless not even that can be done.
+inline void logErrorAt(const Edge& edge) noexcept {
+    try {
+        OB_LOG_AT(LogLevel::ERR, edge.file, edge.line, edge.className, edge.method) << "Error " << edge.method << "()";
+    } catch (...) {  // the line is lost, the edge holds
+    }
+}
+
+// Runs the body of a function that Creo or Windows calls. Nothing leaves it: whatever is thrown is logged and answered
+// by `onError`.
 template <typename Result, typename Body>
 Result atEdge(const Edge& edge, Result onError, Body&& body) noexcept {
     try {
         return std::forward<Body>(body)();
     } catch (...) {
-        OB_LOG_AT(LogLevel::ERR, edge.file, edge.line, edge.className, edge.method) << "Error " << edge.method << "()";
+        logErrorAt(edge);
         return onError;
     }
 }

@@ -1,9 +1,8 @@
 #include "common_sources/ob_addin.h"
 
-#include <chrono>
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
-#include <new>
 #include <thread>
 #include <utility>
 
@@ -14,22 +13,24 @@
 #include "common_sources/creo_proxy.h"
 #include "common_sources/daemon_proxy.h"
 #include "common_sources/edge.h"
+#include "common_sources/life_cycle.h"
+#include "common_sources/program_facts.h"
 #include "driver/obk_ctrlr.h"
 
 namespace {
 
 constexpr char kLogClass[] = "CObAddin";
 
-constexpr std::chrono::milliseconds kWatchdogPause{2000};
+constexpr std::chrono::milliseconds kWatchdogNap{50};  // so soon it sees the end
 
 constexpr char kDriverLogFile[] = "Creo_plugin_dll_log.txt";
 constexpr int kDriverLogSizeKb = 500;
 
 // Null when the object cannot be created, for whatever reason.
 template <typename Proxy, typename... Parts>
-Proxy* create(Parts&&... parts) {
+std::unique_ptr<Proxy> create(Parts&&... parts) {
     try {
-        return new Proxy(std::forward<Parts>(parts)...);
+        return std::make_unique<Proxy>(std::forward<Parts>(parts)...);
     } catch (const std::exception&) {
         return nullptr;
     }
@@ -45,51 +46,74 @@ void pinLibrary() {
 #endif
 }
 
+// From the plug-in's first statement until its settings have been handed to the log.
+struct CollectedLog {
+    CollectedLog() { gLogging.startCollecting(); }
+    ~CollectedLog() { gLogging.stopCollecting(); }
+    CollectedLog(const CollectedLog&) = delete;
+    CollectedLog& operator=(const CollectedLog&) = delete;
+};
+
+bool startPlugIn() {
+    return atEdge({kLogClass, "user_initialize"}, false, [] {
+        pinLibrary();
+        const CollectedLog collected;
+        for (const auto& fact : programFacts()) OB_LOG_IN(LogLevel::INF, "user_initialize") << fact;
+        gAddin = new CObAddin();
+        return true;
+    });
+}
+
+void refuseStart() { OB_LOG_IN(LogLevel::WRN, "user_initialize") << "user_initialize() called twice!"; }
+
+void hurry() { gAddin->handOver->isEnding = true; }
+
+void endPlugIn() { delete std::exchange(gAddin, nullptr); }
+
+constinit LifeCycle lifeCycle({&startPlugIn, &refuseStart, &hurry, &endPlugIn});
+
+// Body of the watchdog; ends with the plug-in.
+void watchConnection(DaemonLink& link, const std::atomic<bool>& isEnding) {
+    using Clock = std::chrono::steady_clock;
+    while (!isEnding) {
+        atEdge({kLogClass, "watchdogEntry"}, [&] {
+            if (!link.checkConnection() && !isEnding) link.connect();
+        });
+        const auto next = Clock::now() + CObAddin::watchdogPause;
+        while (!isEnding && Clock::now() < next) {
+            std::this_thread::sleep_until(std::min(next, Clock::now() + kWatchdogNap));
+        }
+    }
+}
+
 }  // namespace
 
 CObAddin* gAddin = nullptr;
 
 int user_initialize() {
-    static constexpr char kMethod[] = "user_initialize";
-    atEdge({kLogClass, kMethod}, [] {
-        if (gAddin != nullptr) {
-            OB_LOG_IN(LogLevel::WRN, kMethod) << "user_initialize() called twice!";
-            return;
-        }
-        pinLibrary();
-        gAddin = new (std::nothrow) CObAddin();
-    });
+    lifeCycle.initialise();
     return 0;
 }
 
-void user_terminate() {
-    atEdge({kLogClass, "user_terminate"}, [] {
-        if (CreoProxy::putOffEnd()) return;     // comes again at the end of the running callback
-        delete std::exchange(gAddin, nullptr);  // nobody deletes it twice, whatever comes in meanwhile
-    });
-}
+void user_terminate() { lifeCycle.terminate(); }
 
 CObAddin::CObAddin() {
     OB_LOG(LogLevel::CRT) << "Constructing ...";
-    configureLogging();
-    OB_LOG(LogLevel::CRT) << "Constructing ...";
-    mCreoProxyP = create<CreoProxy>(settings, handOver, legacyCom1, &user_terminate);
-    if (mCreoProxyP != nullptr) mDaemonProxyP = create<DaemonProxy>(handOver);
-    if (mCreoProxyP == nullptr || mDaemonProxyP == nullptr) {
-        OB_LOG(LogLevel::ERR) << "mCreoProxyP or mDaemonProxyP could not be created!";
-        std::exit(-1);
+    try {
+        configureLogging();
+        OB_LOG(LogLevel::CRT) << "Constructing ...";
+        createSides();
+        startWatchdog();
+    } catch (...) {
+        stop();
+        throw;
     }
-    startWatchdog();
     OB_LOG(LogLevel::CRT) << "Constructed.";
 }
 
 CObAddin::~CObAddin() {
     OB_LOG(LogLevel::CRT) << "Destructing ...";
-    handOver.isEnding = true;
-    while (mIsWatchdogRunning) std::this_thread::sleep_for(kWatchdogPause);
-    legacyCom1.resetLegacyCom1();
-    delete mDaemonProxyP;
-    delete mCreoProxyP;
+    stop();
     OB_LOG(LogLevel::CRT) << "Destructed.";
 }
 
@@ -99,24 +123,24 @@ void CObAddin::configureLogging() {
     gLogging.init(settings.mLogPars);
 }
 
+void CObAddin::createSides() {
+    mCreoProxyP = create<CreoProxy>(settings, *handOver, legacyCom1, lifeCycle);
+    if (mCreoProxyP != nullptr) mDaemonProxyP = create<DaemonProxy>(handOver);
+    if (mCreoProxyP != nullptr && mDaemonProxyP != nullptr) return;
+    OB_LOG_IN(LogLevel::ERR, "CObAddin") << "mCreoProxyP or mDaemonProxyP could not be created!";
+    std::exit(-1);
+}
+
 void CObAddin::startWatchdog() {
-    mIsWatchdogRunning = true;  // before the thread runs: destruction must not overtake its start
-    if (pthread_create(&mWatchdog, nullptr, &watchdogEntry, this) != 0) {
-        mIsWatchdogRunning = false;
-        OB_LOG(LogLevel::ERR) << "Error creating reading thread!";
-    }
+    const bool isStarted = mWatchdog.start(
+        [handOver = handOver, link = mDaemonProxyP->link()] { watchConnection(*link, handOver->isEnding); });
+    if (!isStarted) OB_LOG(LogLevel::ERR) << "Error creating reading thread!";
 }
 
-void* CObAddin::watchdogEntry(void* addin) {
-    auto* self = static_cast<CObAddin*>(addin);
-    atEdge({kLogClass, "watchdogEntry"}, [self] { self->watchConnection(); });
-    self->mIsWatchdogRunning = false;
-    return nullptr;
-}
-
-void CObAddin::watchConnection() {
-    while (!handOver.isEnding) {
-        if (!mDaemonProxyP->checkConnection()) mDaemonProxyP->connect();
-        std::this_thread::sleep_for(kWatchdogPause);
-    }
+void CObAddin::stop() {
+    handOver->isEnding = true;
+    mWatchdog.waitForEnd("the watchdog");
+    if (mDaemonProxyP != nullptr) legacyCom1.giveBack();
+    mDaemonProxyP.reset();
+    mCreoProxyP.reset();
 }

@@ -33,6 +33,8 @@ double length(const Vector3& v) { return std::sqrt(dot(v, v)); }
 
 bool isFinite(const Vector3& v) { return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]); }
 
+bool isFinite(const Matrix3& m) { return isFinite(m[0]) && isFinite(m[1]) && isFinite(m[2]); }
+
 Vector3 normalised(const Vector3& v) {
     const double size = length(v);
     return {v[0] / size, v[1] / size, v[2] / size};
@@ -52,13 +54,15 @@ Matrix3 rotation(const Vector3& axis, double angle) {
              {t * u * w - s * v, t * v * w + s * u, t * w * w + c}}};
 }
 
+double determinant(const Matrix3& m) { return dot(m[0], cross(m[1], m[2])); }
+
 Matrix3 inverse(const Matrix3& m) {
     // The columns of the adjugate are the cross products of the rows.
     const Matrix3 cofactors{cross(m[1], m[2]), cross(m[2], m[0]), cross(m[0], m[1])};
-    const double determinant = dot(m[0], cofactors[0]);
+    const double volume = determinant(m);
     Matrix3 adjugate = transposed(cofactors);
     for (auto& row : adjugate) {
-        for (double& element : row) element /= determinant;
+        for (double& element : row) element /= volume;
     }
     return adjugate;
 }

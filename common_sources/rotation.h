@@ -17,6 +17,7 @@ Matrix3 operator*(const Matrix3& a, const Matrix3& b);
 
 double length(const Vector3& v);
 bool isFinite(const Vector3& v);
+bool isFinite(const Matrix3& m);
 
 // Unit vector of that direction; not finite for the null vector.
 Vector3 normalised(const Vector3& v);
@@ -25,6 +26,9 @@ Matrix3 transposed(const Matrix3& m);
 
 // Right-handed rotation by an angle in radians about a unit axis.
 Matrix3 rotation(const Vector3& axis, double angle);
+
+// Volume that the rows span, negative when they are left-handed.
+double determinant(const Matrix3& m);
 
 // Adjugate divided by the determinant; not finite for a singular matrix.
 Matrix3 inverse(const Matrix3& m);

@@ -2,20 +2,16 @@
 
 #include <fstream>
 #include <iomanip>
+#include <iterator>
 #include <sstream>
 #include <type_traits>
 #include <variant>
 #include <vector>
 
-#ifdef _WIN32
-#include <direct.h>
-#else
-#include <sys/stat.h>
-#endif
-
 #include "common_sources/profile_folder.h"
 #include "common_sources/settings_value.h"
 #include "config/cnfg.h"
+#include "config/new_file.h"
 
 namespace {
 
@@ -84,23 +80,6 @@ constexpr Key<LoggingParameters> kLoggingKeys[] = {
     {"fileToLog", &LoggingParameters::mExclFileToLog, "# name of the exclusively logged file", "  mExclFileToLog: "},
 };
 
-// Not std::filesystem: its narrow paths are UTF-8, a user profile's are in the process code page.
-void makeDirectory(const std::string& path) {
-#ifdef _WIN32
-    _mkdir(path.c_str());
-#else
-    mkdir(path.c_str(), 0777);
-#endif
-}
-
-// Makes what is missing of a folder's path. What cannot be made shows when a file in it is opened.
-void makeDirectories(const std::string& path) {
-    for (auto end = path.find(kPathSeparator, 1); end != std::string::npos; end = path.find(kPathSeparator, end + 1)) {
-        makeDirectory(path.substr(0, end));
-    }
-    makeDirectory(path);
-}
-
 void assign(std::string& member, const std::string& text) { member = text; }
 void assign(std::int32_t& member, const std::string& text) { member = leadingInteger(text); }
 void assign(bool& member, const std::string& text) { member = isSwitchedOn(text); }
@@ -126,6 +105,7 @@ Settings::Settings() {
     mProductDirPath = profileFolder() + kPathSeparator + kProductDir;
     mSettingsDirPath = mProductDirPath + kPathSeparator + kApplicationsDir;
     mSettingsFilePath = mSettingsDirPath + kPathSeparator + kSettingsFile;
+    OB_LOG(LogLevel::INF) << "Settings file: " << mSettingsFilePath;
     OB_LOG(LogLevel::CRT) << "Constructing ...";
     mLogPars.mSettingsDirPath = mProductDirPath;
     gLogging.setSettingsDirPath(mProductDirPath);
@@ -135,6 +115,22 @@ Settings::Settings() {
         writeSettingsFile(mSettingsFilePath);
     }
     OB_LOG(LogLevel::INF) << "\n" << dump();
+}
+
+// What the user has got wrong, each with what holds instead and what to do. The lines for missing keys are the
+// reader's.
+void Settings::tellMistakes(const std::string& path) const {
+    std::ifstream file(path, std::ios::binary);
+    if (!file.is_open()) return;
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    for (const SettingsFinding& finding : checkSettings(bytes, keys()).findings) {
+        using enum SettingsProblem;
+        if (finding.problem == missingKey) continue;
+        const std::string text =
+            "Settings file '" + path + "': " + finding.text + "; " + std::string(settingsRemedy(finding.problem)) + ".";
+        OB_LOG(finding.isError() ? LogLevel::ERR : LogLevel::WRN) << text;
+        if (finding.problem == notText || finding.problem == empty) tellWithoutLog(text);  // the log is off then
+    }
 }
 
 Settings::~Settings() { OB_LOG(LogLevel::CRT) << "Destructed."; }
@@ -151,7 +147,8 @@ int Settings::readSettingsFile(const std::string& path) {
             const std::string text = readParameter(file, mLogPars.mSectionName.c_str(), key.name);
             std::visit([&](auto member) { assign(mLogPars.*member, text); }, key.member);
         }
-    } catch (const std::exception&) {
+        tellMistakes(path);
+    } catch (const std::exception&) {  // what was not read keeps its default
         OB_LOG(LogLevel::ERR) << "Error reading settings file!";
     }
     return 0;
@@ -159,20 +156,17 @@ int Settings::readSettingsFile(const std::string& path) {
 
 std::string Settings::readParameter(Cnfg& file, const char* section, const char* key) const {
     std::string value;
-    if (file.readParameter(section, key, value) != Cnfg::kOk) OB_LOG(LogLevel::ERR) << file.errorText();
+    const std::int32_t status = file.readParameter(section, key, value);
+    if (status == Cnfg::kReadFailed) throw std::ios_base::failure(file.errorText());
+    if (status != Cnfg::kOk) OB_LOG(LogLevel::ERR) << file.errorText();
     return value;
 }
 
 void Settings::writeSettingsFile(const std::string& path) const {
     OB_LOG(LogLevel::TRC) << "Writing new default settings file ...";
-    std::ofstream out(path);
-    if (!out) {
-        OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
-        return;
-    }
-    out << fileText();
-    out.close();
-    if (!out) {  // the disk is full
+    NewFile file(path);
+    file.stream() << fileText();
+    if (file.publish()) {
         OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
         return;
     }
@@ -181,6 +175,7 @@ void Settings::writeSettingsFile(const std::string& path) const {
 
 std::string Settings::fileText() const {
     std::ostringstream out;
+    out.exceptions(std::ios::badbit);  // a stream that is out of memory would go on without its text
     out << "# Configuration file for Orbikon's Creo Plug-in\n\n[" << kProgramSection << "]\n";
     for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
     out << "\n[" << mLogPars.mSectionName << "]\n";

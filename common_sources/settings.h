@@ -13,13 +13,14 @@ class Cnfg;
 //
 //     %USERPROFILE%\OrbikonController\Applications\Creo_plugin.ini
 //
-// A file that exists is only read; a missing one is written with the defaults and a comment for each key. A key that
-// is missing in the file gives an empty text, 0 or off. Values are not checked against any range. One thread at a
+// A file that exists is only read, and never written, even when it cannot be read just now; a missing one is written
+// with the defaults and a comment for each key, whole or not at all. A key that is missing in the file gives an empty
+// text, 0 or off. Values are not checked against any range. One thread at a
 // time; the members are read and changed on Creo's user-interface thread only.
 class Settings {
   public:
-    // Builds the paths, creates missing folders, reads the file or writes the default one. Never fails: what cannot
-    // be read or written is logged and the defaults hold.
+    // Builds the paths, creates missing folders, reads the file or writes the default one. What cannot be read or
+    // written is logged and the defaults hold; nothing is thrown but lack of memory.
     Settings();
     // The defaults; no file or folder is looked at.
     struct DefaultsOnly {};
@@ -31,7 +32,7 @@ class Settings {
     // Reads both sections. Negative when the file cannot be opened, otherwise 0 or more.
     int readSettingsFile(const std::string& path);
 
-    // Writes the current values as a commented file. A failure is logged.
+    // Writes the current values as a commented new file; one that is there already stays as it is. A failure is logged.
     void writeSettingsFile(const std::string& path) const;
 
     // What writeSettingsFile() writes, lines ended by LF.
@@ -61,6 +62,7 @@ class Settings {
 
   private:
     std::string readParameter(Cnfg& file, const char* section, const char* key) const;
+    void tellMistakes(const std::string& path) const;
     std::string dump() const;
 
     std::string mProductDirPath;

@@ -34,6 +34,38 @@ enum class SettingsProblem {
 };
 inline constexpr std::size_t kSettingsProblems = 12;
 
+// What a user does about it.
+constexpr std::string_view settingsRemedy(SettingsProblem problem) {
+    switch (problem) {
+        case SettingsProblem::notText:
+            return "save the file as ANSI text, or delete it: the plug-in then writes a new one";
+        case SettingsProblem::empty:
+            return "delete the file: the plug-in then writes a new one";
+        case SettingsProblem::missingSection:
+            return "write the section's header exactly so, or delete the file: the plug-in then writes a new one";
+        case SettingsProblem::missingKey:
+            return "add the key, or let orbikon_doctor --fix add it with its default";
+        case SettingsProblem::behindEnd:
+            return "a section ends at its first line without a key: remove the empty line, header or indented comment "
+                   "above the key";
+        case SettingsProblem::unknownKey:
+            return "correct the key's name, letter case counts, or remove the line";
+        case SettingsProblem::repeatedKey:
+            return "keep one of the lines";
+        case SettingsProblem::switchValue:
+            return "write exactly \"on\" or \"off\", in small letters";
+        case SettingsProblem::numberValue:
+            return "write a whole number, without unit, point or comma";
+        case SettingsProblem::capDead:
+            return "set maxContMoveTime to a number above 0; its default is 5000";
+        case SettingsProblem::noTranslation:
+            return "set transSensBase to 500 or more; its default is 40000";
+        case SettingsProblem::noRotation:
+            return "set rotSensBase to another number than 0; its default is 10000";
+    }
+    return {};
+}
+
 struct SettingsFinding {
     SettingsProblem problem;
     std::string text;     // the place, the value found and what holds instead

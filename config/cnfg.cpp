@@ -58,7 +58,7 @@ std::int32_t Cnfg::positionOnSection(const std::string& section) {
         const Line line = split(mLine);
         if (line.isSection && line.section == section) return fail(kOk);
     }
-    return fail(kSectionNotFound);
+    return failAtEnd(kSectionNotFound);
 }
 
 std::int32_t Cnfg::nextParameter(std::string& key, std::string& value) {
@@ -66,7 +66,7 @@ std::int32_t Cnfg::nextParameter(std::string& key, std::string& value) {
     value.clear();
     if (!isOpen()) return fail(kFileNotFound);
     do {
-        if (!std::getline(mStream, mLine)) return fail(kNoFurtherParameter);
+        if (!std::getline(mStream, mLine)) return failAtEnd(kNoFurtherParameter);
     } while (mLine.starts_with(kComment) || mLine.starts_with('\r'));
     const Line line = split(mLine);
     if (line.key.empty()) return fail(kNoFurtherParameter);
@@ -85,7 +85,7 @@ std::int32_t Cnfg::readParameter(const std::string& section, const std::string& 
         value = nextValue;
         return mError;
     }
-    return isOpen() ? fail(kParameterNotFound) : mError;
+    return mError == kNoFurtherParameter ? fail(kParameterNotFound) : mError;
 }
 
 std::string Cnfg::errorText() const {

@@ -7,10 +7,18 @@
 
 // Reader of INI-style text files: section headers "[name]", key lines "key = value  # comment" and comment lines.
 // The parameters of a section end at the first line that is no key line, so also at an empty one. Failures are kept
-// as an error code and never thrown; the caller asks for the text. One thread at a time.
+// as an error code and never thrown; the caller asks for the text. What only lack of memory keeps from being answered
+// is thrown. One thread at a time.
 class Cnfg {
   public:
-    enum Error : std::int32_t { kOk, kFileNotFound, kSectionNotFound, kParameterNotFound, kNoFurtherParameter };
+    enum Error : std::int32_t {
+        kOk,
+        kFileNotFound,
+        kSectionNotFound,
+        kParameterNotFound,
+        kNoFurtherParameter,
+        kReadFailed  // the system could not read on, or memory was short
+    };
 
     // Opens the file for reading. When that fails every call answers kFileNotFound.
     explicit Cnfg(const std::string& fileName);
@@ -41,6 +49,8 @@ class Cnfg {
 
   private:
     std::int32_t fail(Error error) { return mError = error; }
+    // Of a line that is not there: `error` at the end of the file, kReadFailed before it.
+    std::int32_t failAtEnd(Error error) { return fail(mStream.bad() ? kReadFailed : error); }
 
     std::string mFileName;
     std::string mSection;    // last asked for

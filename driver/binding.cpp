@@ -5,8 +5,10 @@
 #include <windows.h>
 
 #include <atomic>
-#include <iterator>
+#include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "OB_Daemon/src/logging.h"
 #include "driver/obk_ctrlr.h"
@@ -16,10 +18,12 @@ namespace {
 
 constexpr char kLogClass[] = "Driver";
 
+constexpr DWORD kLongestPath = 32768;  // characters, with the end
 constexpr int kNotBound = -1;
 constexpr DWORD kFailedReadPauseMs = 10;  // keeps a reading loop without a pause of its own from burning a core
 
 std::atomic<HMODULE> library{nullptr};
+std::atomic<bool> hasLastReadFailed{false};
 
 HMODULE ownModule() {
     HMODULE module = nullptr;
@@ -28,43 +32,59 @@ HMODULE ownModule() {
     return module;
 }
 
-// Folder of a module's file with a closing backslash; empty when it cannot be told.
-std::wstring folderOf(HMODULE module) {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
-    return path.substr(0, path.rfind(L'\\') + 1);
+// Empty when it cannot be told.
+std::wstring fileOf(HMODULE module) {
+    std::wstring path(kLongestPath, L'\0');
+    path.resize(GetModuleFileNameW(module, path.data(), kLongestPath));
+    return path;
 }
 
-std::wstring systemFolder() {
-    std::wstring path(MAX_PATH, L'\0');
-    path.resize(GetSystemDirectoryW(path.data(), static_cast<UINT>(path.size())));
-    return path.empty() ? path : path + L'\\';
+std::string inCodePage(const std::wstring& text) {
+    const int length = static_cast<int>(text.size());
+    std::string narrow(text.size() * 4, '\0');
+    narrow.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, text.data(), length, narrow.data(),
+                                                               static_cast<int>(narrow.size()), nullptr, nullptr)));
+    return narrow;
 }
 
-HMODULE loadFrom(const std::wstring& folder) {
-    if (folder.empty()) return nullptr;
-    const std::wstring name(std::begin(kDriverLibrary), std::end(kDriverLibrary) - 1);
-    const std::wstring path = folder + name;
-    // What the library itself needs comes from its own folder or the system's; a damaged file opens no message box.
-    DWORD errorMode = 0;
-    SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &errorMode);
-    HMODULE loaded =
-        LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
-    SetThreadErrorMode(errorMode, nullptr);
-    return loaded;
+// Says why no place has the library, and again when a reason is another one: a watchdog asks every few seconds.
+void tellFailures(const std::vector<DriverSearch::Failure>& failures) {
+    static std::mutex guard;
+    static std::string lastTold;
+    std::vector<std::string> lines;
+    std::string all;
+    for (const auto& [file, code] : failures) {
+        lines.push_back(inCodePage(file) + ": " + loadingProblem(code));
+        all += lines.back() + "\n";
+    }
+    const std::lock_guard lock(guard);
+    if (all == lastTold) return;
+    for (const auto& line : lines) OB_LOG(LogLevel::WRN) << line;
+    lastTold = std::move(all);
+}
+
+void tellMissingOrdinals(HMODULE module) {
+    for (const auto ordinal : missingOrdinals(module)) {
+        OB_LOG(LogLevel::WRN) << kDriverLibrary << " has no ordinal " << ordinal
+                              << ", what it is needed for fails; install the current version of the device's software.";
+    }
 }
 
 void loadLibraryIfMissing() {
     if (library.load() != nullptr) return;
-    for (const auto& folder : {folderOf(ownModule()), folderOf(nullptr), systemFolder()}) {
-        HMODULE loaded = loadFrom(folder);
-        if (loaded == nullptr) continue;
-        HMODULE none = nullptr;
-        if (!library.compare_exchange_strong(none, loaded)) FreeLibrary(loaded);  // another thread was faster
-        OB_LOG(LogLevel::INF) << kDriverLibrary << " loaded.";
+    const DriverSearch search = loadDriver(driverPlaces(fileOf(ownModule()), fileOf(nullptr)));
+    if (search.library == nullptr) {
+        OB_LOG(LogLevel::WRN) << kDriverLibrary << " not found.";
+        tellFailures(search.failures);
         return;
     }
-    OB_LOG(LogLevel::WRN) << kDriverLibrary << " not found.";
+    HMODULE none = nullptr;
+    if (!library.compare_exchange_strong(none, search.library)) {  // another thread was faster
+        FreeLibrary(search.library);
+        return;
+    }
+    OB_LOG(LogLevel::INF) << kDriverLibrary << " loaded.";
+    tellMissingOrdinals(search.library);
 }
 
 template <typename Operation, typename... Arguments>
@@ -90,10 +110,12 @@ int obDisconnect() { return call(&obDisconnect, ObOrdinal::disconnect); }
 int obReadDeviceData(int device, std::int16_t* tx, std::int16_t* ty, std::int16_t* tz, std::int16_t* rx,
                      std::int16_t* ry, std::int16_t* rz, std::int32_t* unused1, std::int32_t* unused2,
                      std::int32_t* event, std::int32_t* extra1, std::int32_t* extra2) {
+    // Before the next read, so that an event that came with the failure is not held up.
+    if (hasLastReadFailed) Sleep(kFailedReadPauseMs);
     *event = -1;
     const int status = call(&obReadDeviceData, ObOrdinal::readDeviceData, device, tx, ty, tz, rx, ry, rz, unused1,
                             unused2, event, extra1, extra2);
-    if (status != 0 && *event < 0) Sleep(kFailedReadPauseMs);
+    hasLastReadFailed = status != 0;
     return status;
 }
 

@@ -1,10 +1,7 @@
 // Any label, command and help text between two ordinary ones: the file reads back with every command that was
-// written, in its place. The input is the three texts, each ended by a byte 0xFF.
+// written, in its place. The input is the three texts.
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <string>
 
@@ -12,20 +9,11 @@
 #include "common_sources/mnu/mnu_writer.h"
 #include "config/cnfg.h"
 #include "fuzz/check.h"
-
-namespace {
-
-std::string takeText(std::string_view& rest) {
-    const std::string text(rest.substr(0, rest.find('\xff')));
-    rest.remove_prefix(std::min(text.size() + 1, rest.size()));
-    return text;
-}
-
-}  // namespace
+#include "fuzz/texts.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string path = "/tmp/orbikon_menu_file_fuzz." + std::to_string(getpid());
-    std::string_view rest(reinterpret_cast<const char*>(data), size);
+    std::string_view rest = textOf(data, size);
     CommandRecord any{"X", "", "", ""};
     any.label = takeText(rest);
     any.command = takeText(rest);

@@ -1,13 +1,17 @@
 #include "OB_Daemon/src/logging.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <exception>
-#include <iomanip>
 #include <iostream>
+#include <iterator>
+#include <vector>
 
 #include "OB_Daemon/src/thread_id.h"
 
@@ -15,10 +19,13 @@ namespace {
 
 constexpr char kLogClass[] = "Logging";
 
+constexpr std::size_t kThreadColumn = 6;
 constexpr std::size_t kFileColumn = 16;
+constexpr std::size_t kLineColumn = 4;
 constexpr std::size_t kMethodColumn = 32;
 constexpr int kBytesPerHexLine = 10;
 constexpr std::int64_t kBytesPerKb = 1000;
+constexpr std::size_t kMaxCollected = 200;  // a settings file has 26 keys, and a check of it 100 findings
 
 struct Level {
     const char* tag;
@@ -59,29 +66,15 @@ std::string utcTime() {
     return text;
 }
 
-// English whatever the process's locale is.
-std::string localDate() {
-    static constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    const std::time_t now = std::time(nullptr);
-    std::tm date{};
-#ifdef _WIN32
-    localtime_s(&date, &now);
-#else
-    localtime_r(&now, &date);
-#endif
-    char text[32];
-    std::snprintf(text, sizeof text, "%s %s %2d %d", kWeekdays[date.tm_wday % 7], kMonths[date.tm_mon % 12],
-                  date.tm_mday, date.tm_year + 1900);
-    return text;
+std::string blanks(std::size_t width, std::string_view text) {
+    return std::string(width - std::min(width, text.size()), ' ');
 }
 
+// Heads are put together as strings: a stream that is out of memory would go on with half of one.
 std::string lineHead(int level, std::string_view prefix) {
-    std::ostringstream head;
-    head << utcTime() << "|" << kLevels[static_cast<std::size_t>(level)].tag << "|" << std::setw(6) << currentThreadId()
-         << "|" << prefix << "| ";
-    return head.str();
+    const std::string thread = std::to_string(currentThreadId());
+    return utcTime() + "|" + kLevels[static_cast<std::size_t>(level)].tag + "|" + blanks(kThreadColumn, thread) +
+           thread + "|" + std::string(prefix) + "| ";
 }
 
 // True when a remove or rename failed for another reason than a file that is not there.
@@ -94,7 +87,17 @@ Logging gLogging;
 
 struct Logging::Outer {
     std::unique_ptr<std::ostringstream> buffer;
+    Origin origin;
     std::unique_ptr<Outer> next;
+};
+
+struct Logging::Collection {
+    struct Statement {
+        Origin origin;
+        std::string text;
+    };
+    std::vector<Statement> statements;
+    std::size_t dropped = 0;
 };
 
 Logging::Logging() {
@@ -106,6 +109,12 @@ Logging::Logging() {
 }
 
 Logging::~Logging() {
+    if (!mMutex) return;  // left already
+    if (!mMutex->tryLock()) {
+        leaveToProcessEnd();
+        return;
+    }
+    mOwner = currentThreadId();  // the lock stays taken; a statement from here is a nested one
     OB_LOG(LogLevel::CRT) << "Logging::~Logging(): destructing ...";
     gLoggerAlive = 0;
     mFile.reset();
@@ -115,23 +124,19 @@ Logging::~Logging() {
 
 void Logging::leaveToProcessEnd() {
     gLoggerAlive = 0;
-    static_cast<void>(mMutex.release());
-    static_cast<void>(mFile.release());
+    static std::array<const void*, 5> left;  // known to leak checkers
+    left = {mMutex.release(), mFile.release(), mBuffer.release(), mOuter.release(), mCollection.release()};
 }
 
 void Logging::init(const LoggingParameters& parameters) {
-    mMutex->lock();
+    if (mMutex->lock() != 0) return;
     mOwner = currentThreadId();  // a statement from here is a nested one
     try {
+        auto collection = std::move(mCollection);
         mParameters = parameters;
-        std::uint32_t levels = 0;
-        const bool hasOutput = parameters.mIsLogToFile || parameters.mIsLogToCnsl;
-        for (std::size_t level = 0; hasOutput && level < kLevels.size(); ++level) {
-            const auto isOn = kLevels[level].isOn;
-            if (isOn == nullptr || parameters.*isOn) levels |= 1u << level;
-        }
-        mEnabledLevels = levels;
+        switchLevels();
         openLogFile();
+        writeCollected(std::move(collection));
     } catch (const std::exception&) {  // out of memory: go on without a file
         mFile.reset();
     }
@@ -139,8 +144,60 @@ void Logging::init(const LoggingParameters& parameters) {
     mMutex->unlock();
 }
 
+void Logging::startCollecting() {
+    if (mMutex->lock() != 0) return;
+    try {
+        mCollection = std::make_unique<Collection>();
+        mEnabledLevels = (1u << kLevels.size()) - 1;
+    } catch (const std::exception&) {  // out of memory: they are not kept
+    }
+    mMutex->unlock();
+}
+
+void Logging::stopCollecting() {
+    if (mMutex->lock() != 0) return;
+    mOwner = currentThreadId();
+    if (mCollection) {
+        auto collection = std::move(mCollection);
+        switchLevels();
+        try {
+            writeCollected(std::move(collection));
+        } catch (const std::exception&) {  // out of memory: what is left is lost
+        }
+    }
+    mOwner = 0;
+    mMutex->unlock();
+}
+
+void Logging::switchLevels() {
+    std::uint32_t levels = 0;
+    for (std::size_t level = 0; level < kLevels.size(); ++level) {
+        const auto isOn = kLevels[level].isOn;
+        if (isOn == nullptr || mParameters.*isOn) levels |= 1u << level;
+    }
+    mEnabledLevels = levels;
+}
+
+void Logging::collect(std::string text) {
+    if (mCollection->statements.size() < kMaxCollected) {
+        mCollection->statements.push_back({std::move(mOrigin), std::move(text)});
+    } else {
+        ++mCollection->dropped;
+    }
+}
+
+void Logging::writeCollected(std::unique_ptr<Collection> collection) {
+    if (!collection) return;
+    for (const auto& [origin, text] : collection->statements) {
+        if (isEnabled(origin.level) && passesFileFilter(origin.sourceFile)) writeLine(text);
+    }
+    if (collection->dropped != 0) {
+        OB_LOG(LogLevel::WRN) << collection->dropped << " further lines from before the log was open were dropped.";
+    }
+}
+
 void Logging::setSettingsDirPath(const std::string& path) {
-    mMutex->lock();
+    if (mMutex->lock() != 0) return;
     try {
         mParameters.mSettingsDirPath = path;
     } catch (const std::exception&) {  // out of memory: init() brings the path again
@@ -159,7 +216,9 @@ void Logging::openLogFile() {
     mLogFilePath =
         isBareName ? mParameters.mSettingsDirPath + kPathSeparator + mParameters.mLogFile : mParameters.mLogFile;
     try {
+        makeDirectories(mLogFilePath.substr(0, mLogFilePath.rfind(kPathSeparator)));
         mFile = std::make_unique<std::ofstream>(mLogFilePath, std::ios::app);
+        tellUnopened();
     } catch (const std::exception&) {
         OB_LOG(LogLevel::ERR) << "Opening log file '" << mParameters.mLogFile << "failed!";
         mParameters.mIsLogToFile = false;
@@ -168,10 +227,22 @@ void Logging::openLogFile() {
     writeHeader();
 }
 
+// The log cannot say that there is none; once for a file.
+void Logging::tellUnopened() {
+    const std::string reason = std::strerror(errno);
+    if (mFile->is_open()) {
+        mUnopenedPath.clear();
+    } else if (mUnopenedPath != mLogFilePath) {
+        mUnopenedPath = mLogFilePath;
+        tellWithoutLog("the log file '" + mLogFilePath + "' cannot be opened: " + reason +
+                       "; correct logFile in the settings, or the rights on the folder");
+    }
+}
+
 void Logging::writeHeader() {
     const std::string dashes(90, '-');
-    const std::string header = dashes + "\nOrbikon logfile '" + mParameters.mLogFile + "' opened at " + localDate() +
-                               "\n" + dashes + "\n" +
+    const std::string header = dashes + "\nOrbikon logfile '" + mParameters.mLogFile + "' opened at " +
+                               logDate(std::time(nullptr)) + "\n" + dashes + "\n" +
                                "    Time    |Typ|  TID |      File      | Line|        Class And Method         | "
                                "LogText\n"
                                "------------+---+------+----------------+-----+---------------------------------+"
@@ -189,7 +260,10 @@ bool Logging::beginStatement(int level, std::string_view sourceFile, std::string
     try {
         if (passesFileFilter(sourceFile)) {
             head = lineHead(level, prefix);
+            Origin origin;
+            if (mCollection) origin = {level, std::string(sourceFile)};
             if (isNested) interruptStatement();
+            mOrigin = std::move(origin);
             isAccepted = true;
         }
     } catch (const std::exception&) {  // out of memory: no line
@@ -197,15 +271,17 @@ bool Logging::beginStatement(int level, std::string_view sourceFile, std::string
     if (isAccepted) {
         mOwner = currentThreadId();
         append(head);
+        if (mBuffer->good()) return true;
+        abandonStatement();  // out of memory: no line without all of its columns
     } else if (!isNested) {
         mMutex->unlock();
     }
-    return isAccepted;
+    return false;
 }
 
 bool Logging::passesFileFilter(std::string_view sourceFile) const {
     const auto& filter = mParameters.mExclFileToLog;
-    if (filter.empty()) return true;
+    if (filter.empty() || mCollection) return true;
     return filter == fileNameOf(sourceFile, sourceFile.find('/') != std::string_view::npos ? "/" : "\\");
 }
 
@@ -213,6 +289,7 @@ void Logging::interruptStatement() {
     auto outer = std::make_unique<Outer>();
     auto fresh = std::make_unique<std::ostringstream>();
     outer->buffer = std::move(mBuffer);
+    outer->origin = std::move(mOrigin);
     outer->next = std::move(mOuter);
     mOuter = std::move(outer);
     mBuffer = std::move(fresh);
@@ -235,8 +312,19 @@ void Logging::append(std::int64_t number) {
     } else if (number == kLogHexDump) {
         mIsHexDump = true;
     } else {
-        *mBuffer << std::to_string(number);
+        writeNumber(number);
     }
+}
+
+void Logging::append(std::uint64_t number) {
+    if (isOwner()) writeNumber(number);
+}
+
+// Not by the stream's own output, which follows the locale.
+template <typename Number>
+void Logging::writeNumber(Number number) {
+    char digits[24];
+    *mBuffer << std::string_view(digits, std::to_chars(digits, std::end(digits), number).ptr);
 }
 
 std::ostream* Logging::statementStream() { return isOwner() ? mBuffer.get() : nullptr; }
@@ -257,11 +345,16 @@ void Logging::writeHexDump(std::string_view text) {
 
 void Logging::endStatement() {
     try {
-        const std::string text = mBuffer->str();
+        std::string text = mBuffer->str();
         mBuffer = std::make_unique<std::ostringstream>();
-        writeLine(text);
+        if (mCollection) {
+            collect(std::move(text));
+        } else {
+            writeLine(text);
+        }
     } catch (const std::exception&) {  // out of memory: the line is lost, the lock is not
         mBuffer->str({});
+        mBuffer->clear();
     }
     releaseStatement();
 }
@@ -277,6 +370,7 @@ void Logging::abandonStatement() {
 void Logging::releaseStatement() {
     if (mOuter) {
         mBuffer = std::move(mOuter->buffer);
+        mOrigin = std::move(mOuter->origin);
         mOuter = std::move(mOuter->next);
         return;
     }
@@ -297,8 +391,8 @@ void Logging::writeLine(const std::string& text) {
 }
 
 void Logging::backupLogFile() {
-    mFile.reset();
     const std::string backup = mLogFilePath.substr(0, mLogFilePath.rfind('.')) + ".bak";
+    mFile.reset();
     if (failedSeriously(std::remove(backup.c_str()))) {
         OB_LOG(LogLevel::ERR) << "'" << backup << "' couldn't be removed!";
         return;
@@ -316,13 +410,28 @@ void Logging::backupLogFile() {
     writeHeader();
 }
 
+std::string logDate(std::time_t time) {
+    static constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    std::tm date{};
+#ifdef _WIN32
+    localtime_s(&date, &time);
+#else
+    localtime_r(&time, &date);
+#endif
+    char text[32];
+    std::snprintf(text, sizeof text, "%s %s %2d %d", kWeekdays[date.tm_wday % 7], kMonths[date.tm_mon % 12],
+                  date.tm_mday, date.tm_year + 1900);
+    return text;
+}
+
 std::string makeLogPrefix(std::string_view sourceFile, int line, std::string_view className, std::string_view method) {
     const std::string file = cutToColumn(fileNameOf(sourceFile, "\\"), kFileColumn);
     const std::string name = cutToColumn(std::string(className) + "::" + std::string(method), kMethodColumn);
-    std::ostringstream prefix;
-    prefix << std::right << std::setw(kFileColumn) << file << "| " << std::setw(4) << line << "| " << std::left
-           << std::setw(kMethodColumn) << name;
-    return prefix.str();
+    const std::string number = std::to_string(line);
+    return blanks(kFileColumn, file) + file + "| " + blanks(kLineColumn, number) + number + "| " + name +
+           blanks(kMethodColumn, name);
 }
 
 LogStatement::LogStatement(LogLevel level, const char* sourceFile, int line, const char* className,

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <ctime>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -22,12 +23,7 @@
 #include <utility>
 
 #include "OB_Daemon/src/mutex.h"
-
-#ifdef _WIN32
-inline constexpr char kPathSeparator = '\\';
-#else
-inline constexpr char kPathSeparator = '/';
-#endif
+#include "OB_Daemon/src/without_log.h"
 
 enum class LogLevel : int { ERR, WRN, CRT, TRC, DCM, ICM, INF, DBG, TMP };
 
@@ -54,16 +50,24 @@ struct LoggingParameters {
     std::string mExclFileToLog;  // when not empty, only statements of the source file with this name are logged
 };
 
-// Any thread may call any member, except construction and destruction. Nothing throws but allocation failure.
+// Any thread may call any member, except construction and destruction. Nothing throws, also not for lack of memory: the
+// line that it concerns is lost or cut then.
 class Logging {
   public:
     Logging();
+    // Waits for nobody: while another thread is inside a statement, it does the same as leaveToProcessEnd().
     ~Logging();
     Logging(const Logging&) = delete;
     Logging& operator=(const Logging&) = delete;
 
     // Takes the parameters over and reopens the log file. May be called again.
     void init(const LoggingParameters& parameters);
+
+    // Keeps all statements from here on, whatever their level, for a log whose parameters are not known yet: init(), or
+    // stopCollecting() at the latest, writes those that it has switched on, in order. Of a number beyond any reasonable
+    // one only the first are kept, and a line says how many were dropped.
+    void startCollecting();
+    void stopCollecting();
 
     // Sets the folder of a log file given by its bare name, for the time until init().
     void setSettingsDirPath(const std::string& path);
@@ -81,7 +85,8 @@ class Logging {
     // Appends to the statement that the calling thread has begun. Ignored when it has begun none.
     void append(std::string_view text);
     void append(std::int64_t number);
-    std::ostream* statementStream();  // for all other types; null when the thread has begun no statement
+    void append(std::uint64_t number);  // one that std::int64_t does not hold
+    std::ostream* statementStream();    // for all other types; null when the thread has begun no statement
 
     // Gives the statement up: nothing is written, the lock is released.
     void abandonStatement();
@@ -90,11 +95,16 @@ class Logging {
     void backupLogFile();
 
     // For the end of a process, when the other threads are gone wherever they were, perhaps inside the lock or the
-    // file: nothing is logged any more, and destruction leaves both alone. Every line is in the file already.
+    // file: nothing is logged any more, and destruction leaves all that alone. Every line is in the file already.
     void leaveToProcessEnd();
 
   private:
+    void switchLevels();
     void openLogFile();
+    void tellUnopened();
+    void collect(std::string text);
+    struct Collection;  // statements before the parameters are known
+    void writeCollected(std::unique_ptr<Collection> collection);
     void writeHeader();
     void writeLine(const std::string& text);
     void endStatement();
@@ -103,13 +113,23 @@ class Logging {
     bool passesFileFilter(std::string_view sourceFile) const;
     void interruptStatement();
     void writeHexDump(std::string_view text);
+    template <typename Number>
+    void writeNumber(Number number);
 
     LoggingParameters mParameters;
     std::string mLogFilePath;
     std::unique_ptr<std::ostringstream> mBuffer;  // statement being built; guarded by mMutex, as all above
     std::unique_ptr<std::ofstream> mFile;         // null while nothing is logged to a file
-    std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();
+    std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();  // null after leaveToProcessEnd()
     bool mIsHexDump = false;
+    std::string mUnopenedPath;  // of the last log file that could not be opened, empty after one that could
+
+    struct Origin {
+        int level = 0;
+        std::string sourceFile;
+    };
+    Origin mOrigin;                           // of the statement being built, told while they are collected only
+    std::unique_ptr<Collection> mCollection;  // null unless they are collected
 
     struct Outer;                                   // statement that a nested one interrupts
     std::unique_ptr<Outer> mOuter;                  // null unless a nested statement is being built
@@ -119,6 +139,9 @@ class Logging {
 
 // Builds the columns source file, line, class and method. `method` holds the class name, "::" and the method's name.
 std::string makeLogPrefix(std::string_view sourceFile, int line, std::string_view className, std::string_view method);
+
+// The date in the log's header, as "Sat Nov 21 2026": of the local time zone, English whatever the locale is.
+std::string logDate(std::time_t time);
 
 // kLogEnd exactly while the global logger is usable.
 extern std::atomic<std::uint32_t> gLoggerAlive;
@@ -144,7 +167,7 @@ class LogStatement {
             gLogging.append(std::string_view(value));
         } else if constexpr (std::is_integral_v<T> && sizeof(T) > 1) {
             if (!std::in_range<std::int64_t>(value)) {
-                gLogging.append(std::to_string(value));
+                gLogging.append(static_cast<std::uint64_t>(value));
                 return *this;
             }
             gLogging.append(static_cast<std::int64_t>(value));

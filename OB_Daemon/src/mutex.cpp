@@ -49,6 +49,8 @@ int Mutex::lock() {
     return status;
 }
 
+bool Mutex::tryLock() { return sem_trywait(&mSemaphore) == 0; }
+
 int Mutex::unlock() {
     const int status = sem_post(&mSemaphore);
     if (status != 0) {

@@ -17,6 +17,9 @@ class Mutex {
     // Blocks until the semaphore is taken. Result 0 = locked, otherwise sem_wait's status.
     int lock();
 
+    // Takes the semaphore if that needs no waiting, and answers whether it did.
+    bool tryLock();
+
     // Releases the semaphore. Result 0 = released, otherwise sem_post's status.
     int unlock();
 

@@ -6,6 +6,7 @@
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu/mnu_encoding.h"
+#include "common_sources/mnu/mnu_libraries.h"
 #include "common_sources/mnu/mnu_text.h"
 #include "common_sources/mnu/mnu_writer.h"
 
@@ -16,7 +17,7 @@ constexpr char kLogClass[] = "MNUParser";
 // Shares of the progress: reading is over at 0.9, and a library has about 50 panes and 3500 command texts.
 constexpr double kPaneStep = 0.006;
 constexpr double kPaneLimit = 0.3;
-constexpr double kCommandStep = 0.6 / 3500;
+constexpr double kCommandStep = 0.00017142857142857145;
 constexpr double kCommandLimit = 0.9;
 constexpr double kWriteLimit = 0.999999;
 
@@ -30,6 +31,16 @@ MNUParser::MNUParser() {
 MNUParser::~MNUParser() {
     OB_LOG(LogLevel::CRT) << "Destructing ...";
     OB_LOG(LogLevel::CRT) << "Destructed.";
+}
+
+void MNUParser::start(std::atomic<double>* progress, const std::string& language, const std::atomic<bool>* cancel) {
+    mProgress = progress;
+    mCancel = cancel;
+    mTables.clear();
+    // The German library has the English texts, too, above the German ones.
+    mIsMainLanguage = language == mnu_libraries::kEnglish;
+    mIsGermanOutput = language == mnu_libraries::kGerman;
+    mFailure.clear();
 }
 
 void MNUParser::AddResource(std::string_view name, std::string_view text) {

@@ -26,6 +26,10 @@ class MNUParser {
     bool CreateMNU(std::atomic<double>* progress, const std::string& mnuPath, const std::string& resourceDir,
                    const std::string& language, const std::atomic<bool>* cancel = nullptr);
 
+    // The first thing that CreateMNU does: forgets what was gathered and takes over what AddResource and WriteMNUFile
+    // go by.
+    void start(std::atomic<double>* progress, const std::string& language, const std::atomic<bool>* cancel = nullptr);
+
     // Takes the command texts and panes over from one library, of which no code runs. Windows only.
     bool ExtractResources(const std::string& dllPath);
 

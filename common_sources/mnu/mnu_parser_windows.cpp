@@ -8,16 +8,12 @@
 #include <optional>
 
 #include "OB_Daemon/src/logging.h"
+#include "common_sources/mnu/mnu_libraries.h"
 #include "common_sources/mnu/mnu_text.h"
 
 namespace {
 
 constexpr char kLogClass[] = "MNUParser";
-
-constexpr char kLibraryPrefix[] = "pro_default_";
-constexpr char kLibrarySuffix[] = "resources.dll";
-constexpr char kEnglish[] = "english";
-constexpr char kGerman[] = "german";
 
 constexpr double kMainLibraryDone = 0.3;
 constexpr double kLanguageLibraryDone = 0.9;
@@ -93,35 +89,25 @@ BOOL CALLBACK enumTypes(HMODULE module, LPSTR type, LONG_PTR parser) {
     return TRUE;
 }
 
-std::string languageLibraryName(const std::string& language) {
-    return std::string(kLibraryPrefix) + language + "_" + kLibrarySuffix;
-}
-
 }  // namespace
 
 bool MNUParser::CreateMNU(std::atomic<double>* progress, const std::string& mnuPath, const std::string& resourceDir,
                           const std::string& language, const std::atomic<bool>* cancel) {
-    mProgress = progress;
-    mCancel = cancel;
-    mTables.clear();
-    mIsMainLanguage = mIsGermanOutput = false;
-    mFailure.clear();
     try {
+        start(progress, language, cancel);
         return createMNU(mnuPath, resourceDir, language);
     } catch (...) {
-        return fail("Error CreateMNU()");
+        OB_LOG(LogLevel::ERR) << "Error CreateMNU()";
+        mFailure = "Out of memory";  // short enough to need none
+        return false;
     }
 }
 
 bool MNUParser::createMNU(const std::string& mnuPath, std::string resourceDir, const std::string& language) {
     if (resourceDir.empty()) return fail("No folder of compiled resources given");
     if (!resourceDir.ends_with('\\')) resourceDir += '\\';
-    const std::string mainLibrary = resourceDir + kLibraryPrefix + kLibrarySuffix;
-
-    // The German library has the English texts, too, above the German ones.
-    mIsMainLanguage = language == kEnglish;
-    mIsGermanOutput = language == kGerman;
-    const std::string languageLibrary = resourceDir + languageLibraryName(mIsMainLanguage ? kGerman : language);
+    const std::string mainLibrary = resourceDir + mnu_libraries::mainLibrary();
+    const std::string languageLibrary = resourceDir + mnu_libraries::languageLibrary(language);
 
     // A language comes from the environment; it names a library in the resource folder and nowhere else.
     const bool isName = language.find_first_of("\\/:") == language.npos;

@@ -3,17 +3,30 @@
 #include "common_sources/mnu/mnu_format.h"
 #include "config/cnfg.h"
 
+namespace {
+
+// Calls visit(key, value) for each entry. Answers whether the file could be read.
+template <typename Visit>
+bool readSection(Cnfg& file, std::string_view section, Visit visit) {
+    std::string key, value;
+    std::int32_t status = file.positionOnSection(std::string(section));
+    while (status == Cnfg::kOk) {
+        status = file.nextParameter(key, value);
+        if (status == Cnfg::kOk) visit(key, value);
+    }
+    return status != Cnfg::kReadFailed;
+}
+
+}  // namespace
+
 MenuFileContent readMenuFileContent(Cnfg& file) {
     MenuFileContent content;
-    std::string key, value;
-    if (file.positionOnSection(std::string(mnu_format::kModesSection)) == Cnfg::kOk) {
-        while (file.nextParameter(key, value) == Cnfg::kOk) content.modeNames.push_back(key);
-    }
-    if (file.positionOnSection(std::string(mnu_format::kMenuBarSection)) == Cnfg::kOk) {
-        while (file.nextParameter(key, value) == Cnfg::kOk) {
-            if (const auto command = commandPart(value); !command.empty()) content.commands.emplace_back(command);
-        }
-    }
+    content.isWhole = readSection(file, mnu_format::kModesSection,
+                                  [&](const auto& key, const auto&) { content.modeNames.push_back(key); }) &&
+                      readSection(file, mnu_format::kMenuBarSection, [&](const auto&, const auto& value) {
+                          const auto command = commandPart(value);
+                          if (!command.empty()) content.commands.emplace_back(command);
+                      });
     return content;
 }
 

@@ -10,6 +10,7 @@ class Cnfg;
 struct MenuFileContent {
     std::vector<std::string> modeNames;  // keys of section Modes, in file order; mode value 0 is the first
     std::vector<std::string> commands;   // command strings of section MenuBar; a button's function index counts these
+    bool isWhole = true;                 // false: the file could not be read to its end
 };
 
 // Reads both sections; a missing one gives an empty list.

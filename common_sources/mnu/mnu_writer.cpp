@@ -1,42 +1,23 @@
 #include "common_sources/mnu/mnu_writer.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <iterator>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu/mnu_format.h"
+#include "common_sources/mnu/mnu_own_entries.h"
+#include "config/new_file.h"
 
 namespace {
 
 constexpr char kLogClass[] = "MNUParser";
 
-struct Entry {
-    std::string_view key;
-    std::string_view value;
+// A command whose name Creo's resources know, and the command with an option that does the same.
+struct Substitution {
+    std::string_view command;
+    std::string_view written;
 };
-
-constexpr Entry kOwnMenu = {"0Orbikon", mnu_format::kNoPlacement};
-constexpr Entry kOwnItems[] = {
-    {"1Toggle Scroll Mode",
-     "{}OB_Toggle_Scroll_Mode|Switches scrolling in trees and lists with the device's cap on and off."},
-    {"1Toggle Move Mode",
-     "{+ 6}OB_Toggle_Object_Move_Mode|Switches movement of a selected object in an assembly on and off."},
-};
-constexpr Entry kOwnGermanItems[] = {
-    {"1Fensterrollmodus umschalten", "{}OB_Toggle_Scroll_Mode|Schaltet das Rollen in Listen und Baeumen ein und aus."},
-    {"1Bewegungsmodus umschalten",
-     "{+ 6}OB_Toggle_Object_Move_Mode|"
-     "Schaltet das Bewegen von selektierten Objekten in einer Baugruppe ein und aus."},
-};
-
-// Commands whose names Creo's resources know, and the commands with an option that do the same.
-constexpr Entry kSubstitutions[] = {
+constexpr Substitution kSubstitutions[] = {
     {"ProCmdViewWireframe", "ProCmdEnvMdlDisp*Wireframe"},
     {"ProCmdViewShaded", "ProCmdEnvMdlDisp*Shading"},
     {"ProCmdViewHiddenLine", "ProCmdEnvMdlDisp*Hidden line"},
@@ -53,8 +34,8 @@ bool isControl(char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }
 bool isControlOtherThanTab(char c) { return c != '\t' && isControl(c); }
 
 std::string_view writtenCommand(std::string_view command) {
-    const auto found = std::ranges::find(kSubstitutions, command, &Entry::key);
-    return found == std::end(kSubstitutions) ? command : found->value;
+    const auto found = std::ranges::find(kSubstitutions, command, &Substitution::command);
+    return found == std::end(kSubstitutions) ? command : found->written;
 }
 
 Records readableRecords(const Records& records) {
@@ -69,47 +50,6 @@ Records readableRecords(const Records& records) {
     return result;
 }
 
-// A file that vanishes with this object unless it was published under its final name.
-class TemporaryFile {
-  public:
-    // The process id keeps two Creos that start at the same time apart. One left by a crash is overwritten.
-    explicit TemporaryFile(const std::string& finalPath)
-        : mFinalPath(finalPath), mPath(finalPath + "." + std::to_string(getpid()) + ".tmp"), mStream(mPath) {}
-    ~TemporaryFile() {
-        mStream.close();
-        if (!mIsPublished) std::remove(mPath.c_str());
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    std::ofstream& stream() { return mStream; }
-
-    // Empty when everything written has arrived and the file has its final name, otherwise the reason.
-    std::optional<std::string> publish() {
-        mStream.close();
-        if (!mStream) return "Menu file cannot be written: " + mPath;
-        if (!renameToFinal())
-            return "Menu file cannot be created (" + std::string(std::strerror(errno)) + "): " + mFinalPath;
-        mIsPublished = true;
-        return std::nullopt;
-    }
-
-  private:
-    // Never replaces a file: Windows' rename refuses to, and so does link().
-    bool renameToFinal() {
-#ifdef _WIN32
-        return std::rename(mPath.c_str(), mFinalPath.c_str()) == 0;
-#else
-        return link(mPath.c_str(), mFinalPath.c_str()) == 0 && unlink(mPath.c_str()) == 0;
-#endif
-    }
-
-    std::string mFinalPath;
-    std::string mPath;
-    std::ofstream mStream;
-    bool mIsPublished = false;
-};
-
 class MenuFileWriter {
   public:
     MenuFileWriter(std::ostream& out, std::size_t keyWidth) : mOut(out), mKeyWidth(keyWidth) {}
@@ -123,8 +63,10 @@ class MenuFileWriter {
 
     void writeOwnMenu(bool isGerman) {
         writeSection(mnu_format::kMenuBarSection);
-        writeEntry(kOwnMenu.key, kOwnMenu.value);
-        for (const Entry& item : isGerman ? kOwnGermanItems : kOwnItems) writeEntry(item.key, item.value);
+        writeEntry(mnu_format::kOwnMenu.key, mnu_format::kOwnMenu.value);
+        for (const auto& item : isGerman ? mnu_format::kOwnGermanItems : mnu_format::kOwnItems) {
+            writeEntry(item.key, item.value);
+        }
     }
 
     void writeMenuKey(std::string_view key) { writeEntry(key, mnu_format::kNoPlacement); }
@@ -170,7 +112,7 @@ std::optional<std::string> writeMenuFile(const std::string& path, const MenuTabl
                                          const MenuFileOptions& options) {
     static constexpr char kCancelled[] = "Menu file generation was cancelled";
     const auto isCancelled = [&] { return options.cancel && options.cancel->load(std::memory_order_relaxed); };
-    if (std::ifstream(path)) return "Menu file exists already: " + path;
+    if (isNameTaken(path)) return "Menu file exists already: " + path;
 
     std::map<std::string_view, Records> readable;
     std::size_t longestLabel = 0;
@@ -181,7 +123,7 @@ std::optional<std::string> writeMenuFile(const std::string& path, const MenuTabl
         for (const CommandRecord* record : kept) longestLabel = std::max(longestLabel, record->label.size());
     }
 
-    TemporaryFile file(path);
+    NewFile file(path);
     MenuFileWriter writer(file.stream(), longestLabel + kKeyGap);
     writer.writeModes();
     writer.writeOwnMenu(options.isGerman);
@@ -194,5 +136,6 @@ std::optional<std::string> writeMenuFile(const std::string& path, const MenuTabl
         if (options.afterMenu) options.afterMenu();
     }
     writer.writeEnd();
-    return file.publish();
+    const auto reason = file.publish();
+    return reason ? "Menu file " + *reason : reason;
 }

@@ -19,8 +19,8 @@ struct MenuFileOptions {
     std::function<void()> afterMenu = {};       // called after each of the menus; may be empty
 };
 
-// Writes a complete new menu file. Records that could not be read back are left out and logged. The text goes to a
-// temporary file beside the final one, which takes the final name only when all of it is written; an existing file
-// is never replaced. Result: empty when done, otherwise the reason; then no file is left behind.
+// Writes a complete new menu file. Records that could not be read back are left out and logged. The file
+// appears whole or not at all; an existing one is never replaced (see NewFile). Result: empty when done, otherwise the
+// reason.
 std::optional<std::string> writeMenuFile(const std::string& path, const MenuTables::Menus& menus,
                                          const MenuFileOptions& options);

@@ -5,8 +5,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "workbench/control/plugin_settings.h"
-
 namespace e2e {
 
 namespace {
@@ -23,19 +21,6 @@ std::string settingsText(const Keys& changes) {
                     {"mnuLanguage", "english"},
                     {"useMapkeyForCommands", "off"}});
     return workbench::settingsText(keys);
-}
-
-std::string menuText(const std::vector<std::string>& commands) {
-    std::string text = "# PTC Creo menubar file\n \n[Modes]\n";
-    int number = 0;
-    for (const char* mode : {"Sketcher", "Part", "Sheet_Metal", "Composite", "Scan_Model", "Assembly", "Drawing"}) {
-        text += std::string(mode) + "   = " + std::to_string(++number) + "\n";
-    }
-    text +=
-        " \n[MenuBar]\n0Orbikon   = {}\n1Toggle Scroll Mode   = {}OB_Toggle_Scroll_Mode|help\n"
-        "1Toggle Move Mode   = {+ 6}OB_Toggle_Object_Move_Mode|help\n0View   = {}\n";
-    for (const auto& command : commands) text += "Label of " + command + "   = {}" + command + "|help\n";
-    return text + " ";
 }
 
 workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile) {
@@ -109,17 +94,18 @@ void Bench::push(int tx, int ty, int tz, int rx, int ry, int rz) {
     daemon(command);
 }
 
+void Bench::awaitTick() {
+    const auto await = [](const std::function<int()>& count, const char* what) {
+        const int wanted = count() + 2;  // the one that goes on now may have begun too early
+        if (!waitFor([&] { return count() >= wanted; })) throw std::runtime_error(what);
+    };
+    await([&] { return std::stoi(daemonStatus("reads")); }, "the plug-in does not read the device");
+    await([&] { return std::stoi(host("calls ProModeCurrentGet").at(0)); }, "the plug-in's timer does not tick");
+}
+
 void Bench::release() {
     push(0, 0, 0, 0, 0, 0);
-    std::vector<std::string> last;
-    waitFor([&] {
-        std::vector<std::string> now = host("positions");
-        now.push_back(host("view").at(0));
-        const bool isAtRest = now == last;
-        last = std::move(now);
-        if (!isAtRest) Sleep(150);  // longer than the plug-in's slow timer
-        return isAtRest;
-    });
+    awaitTick();
 }
 
 void Bench::openAssemblyForMoving() {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/control/plugin_settings.h"
 #include "workbench/control/pose.h"
 #include "workbench/control/workbench.h"
 
@@ -17,6 +18,7 @@ namespace e2e {
 
 using workbench::dot;
 using workbench::length;
+using workbench::menuText;
 using workbench::Pose;
 using workbench::Poses;
 using workbench::turned;
@@ -31,9 +33,6 @@ using Keys = std::map<std::string, std::string>;
 
 // A settings file with scrolling off, macros instead of the mapkey and the mode read on every tick, but for `changes`.
 std::string settingsText(const Keys& changes = {});
-
-// A menu file with the modes and the given commands, one menu; indices 0 and 1 are the plug-in's own toggles.
-std::string menuText(const std::vector<std::string>& commands = {});
 
 // The settings file and menu file that the plug-in meets; none = it meets no such file.
 workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std::optional<std::string> menuFile);
@@ -54,7 +53,10 @@ class Bench : public Workbench {
     std::array<Vector, 3> screenAxes();          // screen right, up and towards the viewer, in model coordinates
     std::string status(const std::string& key);  // of the host
     void push(int tx, int ty, int tz, int rx, int ry, int rz);
-    // Releases the cap and waits until components and view rest.
+    // Waits until the plug-in has read what the cap does now, and a whole tick has acted on it. For a plug-in that runs
+    // with readMode on.
+    void awaitTick();
+    // Releases the cap and waits until the plug-in has seen it.
     void release();
     // Switches the mode and component move mode by the plug-in's menu.
     void openAssemblyForMoving();

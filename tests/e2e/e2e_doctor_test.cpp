@@ -1,6 +1,7 @@
 // The doctor as it is run: beside daemon and driver library, with arguments of any script, and what it writes.
 #include <nlohmann/json.hpp>
 
+#include "driver/obk_ctrlr.h"
 #include "tests/e2e/e2e.h"
 #include "workbench/control/plugin_settings.h"
 
@@ -65,8 +66,8 @@ TEST(Doctor, DaemonAndDriverLibrary) {
     EXPECT_EQ(seat.ids(), Ids{}) << seat.printed;
     EXPECT_THAT(seat.printed, HasSubstr("1 device, "));
 
-    const fs::path library = seat.plugin.parent_path() / "obk_ctrlr_32.dll";  // found before the host's
-    fs::copy_file(workbench::buildFolder() / "tests" / "partial_driver" / "obk_ctrlr_32.dll", library);
+    const fs::path library = seat.plugin.parent_path() / kDriverLibrary;  // found before the host's
+    fs::copy_file(workbench::buildFolder() / "tests" / "partial_driver" / kDriverLibrary, library);
     const Ids partial = seat.ids();
     EXPECT_THAT(partial, testing::Contains("driver.ordinals")) << seat.printed;
     // A damaged one is passed over, and the next place's is taken.

@@ -46,23 +46,60 @@ TEST(Start, CallbacksAfterTheEndAreHarmless) {
     EXPECT_EQ(bench.status("plugin"), "initialised");
 }
 
-// A toolkit call may dispatch messages, and with them the end of the plug-in in the middle of a tick.
+// A toolkit call may dispatch messages, and with them the end of the plug-in, and a new start, in the middle of a tick.
 TEST(Start, EndInsideATickWaitsForIt) {
     Bench bench;
-    for (const char* function : {"ProWindowRefresh", "ProModeCurrentGet", "ProVectorTrfEval"}) {
-        SCOPED_TRACE(function);
+    struct Case {
+        const char* function;
+        const char* request;
+        const char* state;
+    };
+    const auto linesOfEnds = [&] {
+        const std::string log = bench.log(), line = "~CObAddin";
+        int count = 0;
+        for (auto at = log.find(line); at != std::string::npos; at = log.find(line, at + 1)) ++count;
+        return count;
+    };
+    for (const auto& [function, request, state] : {Case{"ProWindowRefresh", "unload", "registered"},
+                                                   {"ProModeCurrentGet", "unload", "registered"},
+                                                   {"ProVectorTrfEval", "unload", "registered"},
+                                                   {"ProWindowRefresh", "reload 1", "initialised"}}) {
+        SCOPED_TRACE(std::string(function) + " " + request);
         bench.openAssemblyForMoving();
         bench.selectForMoving("41");
-        bench.host("during " + std::string(function) + " plugin unload");
+        const int before = linesOfEnds();
+        bench.host("during " + std::string(function) + " plugin " + request);
         bench.push(100, 0, 0, 0, 0, 0);
-        EXPECT_TRUE(waitFor([&] { return bench.status("plugin") == "registered"; }));
-        EXPECT_EQ(bench.daemonStatus("clients"), "0");
-        EXPECT_EQ(bench.daemonStatus("legacy"), "1");
-        EXPECT_EQ(bench.status("outstanding_arrays"), "0");
+        EXPECT_TRUE(waitFor([&] { return linesOfEnds() == before + 2; }));
         bench.push(0, 0, 0, 0, 0, 0);
-        bench.host("plugin load");
+        EXPECT_EQ(bench.status("plugin"), state);
+        if (state == std::string("registered")) {
+            EXPECT_EQ(bench.daemonStatus("clients"), "0");
+            EXPECT_EQ(bench.daemonStatus("legacy"), "1");
+            bench.host("plugin load");
+        }
+        EXPECT_EQ(bench.status("outstanding_arrays"), "0");
         EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("application") == "xtopCreo"; }));
     }
+    bench.openAssemblyForMoving();
+    bench.selectForMoving("41");  // it works
+}
+
+// Nothing goes on moving, and the next daemon's channel is taken and given back as the first one's.
+TEST(Daemon, ThatDiesWithTheCapDeflectedEndsTheMotion) {
+    Bench bench;
+    bench.openAssemblyForMoving();
+    bench.selectForMoving("41");
+    bench.push(100, 0, 0, 0, 0, 0);
+    bench.expectLog("Cap moving.");
+    bench.killDaemon();
+    bench.expectLog("Cap released.");
+    const auto atRest = bench.host("positions");
+    bench.startDaemon();
+    EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "0"; }));
+    EXPECT_EQ(bench.host("positions"), atRest);
+    bench.host("select none");
+    EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("legacy") == "1"; }));
 }
 
 TEST(Start, FirstStartWritesSettingsAndToleratesBadOnes) {
@@ -157,10 +194,10 @@ TEST(Mode, OnlyTheMainWindowsModeCounts) {
     bench.host("mode assembly");
     bench.host("notify 24");
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("mode") == "Assembly"; }));
-    bench.host("fail ProModeCurrentGet -1");
+    bench.host("fail ProModeCurrentGet always");
     bench.host("notify 73");
     EXPECT_TRUE(waitFor([&] { return bench.daemonStatus("mode") == "Default"; }));
-    bench.host("fail ProModeCurrentGet -1 0");
+    bench.host("fail ProModeCurrentGet never");
 }
 
 // The window that carries the timer goes; the next callback finds the new one.

@@ -37,10 +37,12 @@ void Driver::reset() {
     mIsConnected = false;
     mPace = Pace::shortPause;
     mDevices = {"OrbikonController"};
+    mDeviceCount.reset();
     mRotationMode = 0;
     mContextFlag = 0;
     mLegacyCom1 = 1;
     mFailures = {};
+    mHanging = {};
     mCalls = {};
     mQueue.clear();
     mFlood.clear();
@@ -49,6 +51,7 @@ void Driver::reset() {
     mModes.clear();
     mConnectName.clear();
     mDllLogArguments.clear();
+    mChanged.notify_all();
 }
 
 void Driver::setDaemonPresent(bool isPresent) {
@@ -80,9 +83,20 @@ void Driver::setLegacyCom1(std::int32_t value) {
     mLegacyCom1 = value;
 }
 
-void Driver::fail(Operation operation, int status) {
+void Driver::setDeviceCount(std::int32_t count) {
     const Lock lock(mMutex);
-    mFailures[indexOf(operation)] = status;
+    mDeviceCount = count;
+}
+
+void Driver::fail(Operation operation, int status, int count) {
+    const Lock lock(mMutex);
+    mFailures[indexOf(operation)] = {status, status != 0 ? count : 0};
+    mChanged.notify_all();
+}
+
+void Driver::hang(Operation operation, bool isHanging) {
+    const Lock lock(mMutex);
+    mHanging[indexOf(operation)] = isHanging;
     mChanged.notify_all();
 }
 
@@ -139,20 +153,32 @@ bool Driver::waitUntilIdle() {
     return mChanged.wait_for(lock, kLongTime, [&] { return mQueue.empty() && mIsReadWaiting; });
 }
 
+bool Driver::waitUntilHanging() {
+    Lock lock(mMutex);
+    return mChanged.wait_for(lock, kLongTime, [&] { return mHangingCalls > 0; });
+}
+
 bool Driver::waitForModes(std::size_t count) {
     Lock lock(mMutex);
     return mChanged.wait_for(lock, kLongTime, [&] { return mModes.size() >= count; });
 }
 
-int Driver::enter(Operation operation) {
-    ++mCalls[indexOf(operation)];
+int Driver::enter(Operation operation, Lock& lock) {
+    const std::size_t index = indexOf(operation);
+    ++mCalls[index];
+    ++mHangingCalls;
     mChanged.notify_all();
-    return mFailures[indexOf(operation)];
+    mChanged.wait(lock, [&] { return !mHanging[index]; });
+    --mHangingCalls;
+    Failure& failure = mFailures[index];
+    if (failure.count == 0) return 0;
+    if (failure.count > 0) --failure.count;
+    return failure.status;
 }
 
 int Driver::connect(const char* application) {
-    const Lock lock(mMutex);
-    if (const int status = enter(Operation::connect)) return status;
+    Lock lock(mMutex);
+    if (const int status = enter(Operation::connect, lock)) return status;
     if (!mIsDaemonPresent) return kFailed;
     mConnectName = application;
     mIsConnected = true;
@@ -160,15 +186,15 @@ int Driver::connect(const char* application) {
 }
 
 int Driver::disconnect() {
-    const Lock lock(mMutex);
-    const int status = enter(Operation::disconnect);
+    Lock lock(mMutex);
+    const int status = enter(Operation::disconnect, lock);
     mIsConnected = false;  // also when it says that it failed: a read must never block for ever
     return status;
 }
 
 int Driver::read(Read& result) {
     Lock lock(mMutex);
-    const int failure = enter(Operation::read);
+    const int failure = enter(Operation::read, lock);
     if (!mFlood.empty()) {
         result = mFlood[mNextOfFlood++ % mFlood.size()];
         return failure != 0 ? failure : result.status;
@@ -191,54 +217,55 @@ int Driver::read(Read& result) {
 }
 
 int Driver::getAdvancedSettings(std::int32_t& rotationMode, std::uint8_t& contextFlag) {
-    const Lock lock(mMutex);
-    if (const int status = enter(Operation::getAdvancedSettings)) return status;
+    Lock lock(mMutex);
+    if (const int status = enter(Operation::getAdvancedSettings, lock)) return status;
     rotationMode = mRotationMode;
     contextFlag = mContextFlag;
     return 0;
 }
 
 int Driver::getOption(int option, std::int32_t& value) {
-    const Lock lock(mMutex);
-    if (const int status = enter(Operation::getOption)) return status;
-    if (option != kOptionLegacyCom1) return kFailed;
+    Lock lock(mMutex);
+    if (const int status = enter(Operation::getOption, lock)) return status;
+    if (!mIsConnected || option != kOptionLegacyCom1) return kFailed;
     value = mLegacyCom1;
     return 0;
 }
 
 int Driver::setOption(int option, std::int32_t value) {
-    const Lock lock(mMutex);
-    if (const int status = enter(Operation::setOption)) return status;
-    if (option != kOptionLegacyCom1) return kFailed;
+    Lock lock(mMutex);
+    if (const int status = enter(Operation::setOption, lock)) return status;
+    if (!mIsConnected || option != kOptionLegacyCom1) return kFailed;
     mLegacyCom1 = value;
     return 0;
 }
 
 int Driver::getDevNum(std::int32_t& count) {
-    const Lock lock(mMutex);
-    if (const int status = enter(Operation::getDevNum)) return status;
+    Lock lock(mMutex);
+    if (const int status = enter(Operation::getDevNum, lock)) return status;
     if (!mIsConnected) return kFailed;
-    count = static_cast<std::int32_t>(mDevices.size());
+    count = mDeviceCount.value_or(static_cast<std::int32_t>(mDevices.size()));
     return 0;
 }
 
 int Driver::getDevInfo(int device, std::string& name) {
-    const Lock lock(mMutex);
-    if (const int status = enter(Operation::getDevInfo)) return status;
+    Lock lock(mMutex);
+    if (const int status = enter(Operation::getDevInfo, lock)) return status;
+    if (mDeviceCount) return 0;
     if (device < 0 || static_cast<std::size_t>(device) >= mDevices.size()) return kFailed;
     name = mDevices[static_cast<std::size_t>(device)];
     return 0;
 }
 
 int Driver::setDllLogFlags(const std::string& arguments) {
-    const Lock lock(mMutex);
+    Lock lock(mMutex);
     mDllLogArguments = arguments;
-    return enter(Operation::setDllLogFlags);
+    return enter(Operation::setDllLogFlags, lock);
 }
 
 int Driver::setAppMode(const std::string& application, const std::string& mode) {
-    const Lock lock(mMutex);
-    if (const int status = enter(Operation::setAppMode)) return status;
+    Lock lock(mMutex);
+    if (const int status = enter(Operation::setAppMode, lock)) return status;
     mModes.push_back(application + "/" + mode);
     mChanged.notify_all();
     return 0;

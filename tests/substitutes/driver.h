@@ -8,6 +8,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -54,7 +55,11 @@ class Driver {
     void setDevices(const std::vector<std::string>& names);
     void setAdvancedSettings(std::int32_t rotationMode, std::uint8_t contextFlag);
     void setLegacyCom1(std::int32_t value);
-    void fail(Operation operation, int status = -1);  // status 0: succeed again
+    void setDeviceCount(std::int32_t count);  // what getDevNum answers instead of the number of devices
+    // The next `count` calls fail, those without end when it is negative; status 0: succeed again.
+    void fail(Operation operation, int status = -1, int count = -1);
+    // From now on calls of the operation do not return; false: they do again.
+    void hang(Operation operation, bool isHanging = true);
 
     // Reads answered in order; each is answered once.
     void queue(const Read& read);
@@ -73,6 +78,7 @@ class Driver {
     // Waits until all that was queued has been handed out and the reading thread has come back for more, so that it
     // has dealt with everything before. False after a long time.
     bool waitUntilIdle();
+    bool waitUntilHanging();  // until a call hangs; false after a long time
     // Waits until that many modes were accepted. False after a long time.
     bool waitForModes(std::size_t count);
 
@@ -91,7 +97,8 @@ class Driver {
   private:
     using Lock = std::unique_lock<std::mutex>;
 
-    int enter(Operation operation);  // counts the call; the status that the operation is to answer
+    // Counts the call, and hangs if it is to; the status that the operation is to answer.
+    int enter(Operation operation, Lock& lock);
 
     std::mutex mMutex;  // guards everything below
     std::condition_variable mChanged;
@@ -99,10 +106,17 @@ class Driver {
     bool mIsConnected = false;
     Pace mPace = Pace::shortPause;
     std::vector<std::string> mDevices;
+    std::optional<std::int32_t> mDeviceCount;
     std::int32_t mRotationMode = 0;
     std::uint8_t mContextFlag = 0;
     std::int32_t mLegacyCom1 = 1;
-    std::array<int, kOperations> mFailures{};
+    struct Failure {
+        int status = 0;
+        int count = 0;
+    };
+    std::array<Failure, kOperations> mFailures{};
+    std::array<bool, kOperations> mHanging{};
+    int mHangingCalls = 0;
     std::array<int, kOperations> mCalls{};
     std::deque<Read> mQueue;
     std::vector<Read> mFlood;

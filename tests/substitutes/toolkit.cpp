@@ -1,5 +1,6 @@
 #include "tests/substitutes/toolkit.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -33,10 +34,16 @@ void Toolkit::reset() {
     mThread = std::this_thread::get_id();
 }
 
-void Toolkit::fail(std::string_view function, ProError err) { mFunctions[std::string(function)].error = err; }
+void Toolkit::fail(std::string_view function, ProError err, int from, int count) {
+    Function& failing = mFunctions[std::string(function)];
+    failing.error = err;
+    failing.skip = from - 1;
+    failing.left = count;
+}
 
 void Toolkit::onCall(std::string_view function, std::function<void()> action) {
-    mFunctions[std::string(function)].action = std::move(action);
+    mFunctions[std::string(function)].action =
+        action ? std::make_shared<std::function<void()>>(std::move(action)) : nullptr;
 }
 
 int Toolkit::calls(std::string_view function) const {
@@ -44,20 +51,34 @@ int Toolkit::calls(std::string_view function) const {
     return found == mFunctions.end() ? 0 : found->second.calls;
 }
 
+bool Toolkit::hasFailed(std::string_view function) const {
+    const auto found = mFunctions.find(function);
+    return found != mFunctions.end() && found->second.error != PRO_TK_NO_ERROR;
+}
+
 ProError Toolkit::enter(std::string_view name) {
-    if (std::this_thread::get_id() != mThread) ++foreignCalls;
+    if (std::this_thread::get_id() != mThread) faults.push_back(std::string(name) + " from another thread");
     auto found = mFunctions.find(name);
     if (found == mFunctions.end()) found = mFunctions.emplace(name, Function{}).first;
     Function& function = found->second;
     ++function.calls;
-    if (function.action) function.action();
+    if (const auto action = function.action) (*action)();
+    if (function.skip > 0) {
+        --function.skip;
+        return PRO_TK_NO_ERROR;
+    }
+    if (function.left == 0) return PRO_TK_NO_ERROR;
+    if (function.left > 0) --function.left;
     return function.error;
+}
+
+void Toolkit::expect(bool isRight, std::string_view function, std::string_view what) {
+    if (!isRight) faults.push_back(std::string(function) + ": " + std::string(what));
 }
 
 ProSelection* Toolkit::newSelectionArray() {
     std::vector<ProSelection> array;
     for (auto& path : selection) array.push_back(&path);
-    if (array.empty()) array.push_back(nullptr);  // has an address
     ProSelection* const address = array.data();
     mArrays[address] = std::move(array);
     ++selectionArrays;
@@ -65,22 +86,28 @@ ProSelection* Toolkit::newSelectionArray() {
 }
 
 bool Toolkit::freeSelectionArray(ProSelection* array) {
-    if (mArrays.erase(array) == 0) {
-        ++badFrees;
-        return false;
-    }
+    expect(mArrays.contains(array), "ProSelectionarrayFree", "not handed out, or given back already");
+    if (mArrays.erase(array) == 0) return false;
     --selectionArrays;
     return true;
 }
 
+void expectFinite(const double (*matrix)[4], std::string_view function) {
+    const double* const elements = &matrix[0][0];
+    toolkit().expect(std::all_of(elements, elements + 16, [](double e) { return std::isfinite(e); }), function,
+                     "a matrix that is not finite");
+}
+
 }  // namespace substitute
 
+using substitute::expectFinite;
 using substitute::toolkit;
 
 #define ENTER()                                                                   \
     do {                                                                          \
         if (const ProError enterErr = toolkit().enter(__func__)) return enterErr; \
     } while (false)
+#define EXPECT_HANDLE(handle) toolkit().expect((handle) != nullptr, __func__, "a null handle")
 
 ProError ProCmdOptionAdd(char* name, uiCmdCmdActFn action, ProBoolean check_type, uiCmdCmdValFn value,
                          uiCmdAccessFn access, ProBoolean in_non_active_window, ProBoolean in_accessory_window,
@@ -112,6 +139,7 @@ std::string commandName(uiCmdCmdId command) {
 }  // namespace
 
 ProError ProCmdDesignate(uiCmdCmdId command, char* label, char* help, char* description, wchar_t* message_file) {
+    EXPECT_HANDLE(command);
     ENTER();
     toolkit().trace.push_back("Designate " + commandName(command) + "|" + label + "|" + help + "|" + description + "|" +
                               substitute::narrow(message_file));
@@ -128,6 +156,7 @@ ProError ProMenubarMenuAdd(char* name, char* label, char* neighbour, ProBoolean 
 
 ProError ProMenubarmenuChkbuttonAdd(char* parent_menu, char* name, char* label, char* help, char* neighbour,
                                     ProBoolean after_neighbour, uiCmdCmdId command, wchar_t* message_file) {
+    EXPECT_HANDLE(command);
     ENTER();
     toolkit().trace.push_back(std::string("ChkbuttonAdd ") + parent_menu + "|" + name + "|" + label + "|" + help + "|" +
                               (neighbour == nullptr ? "null" : neighbour) + "|" + std::to_string(after_neighbour) +
@@ -166,6 +195,7 @@ ProError ProWindowCurrentGet(int* window) {
 }
 
 ProError ProWindowRefresh(int window) {
+    toolkit().expect(window == toolkit().window, __func__, "no window");
     ENTER();
     return window == toolkit().window ? PRO_TK_NO_ERROR : PRO_TK_BAD_INPUTS;
 }
@@ -184,32 +214,37 @@ ProError ProSelbufferSelectionsGet(ProSelection** selections) {
 }
 
 ProError ProSelectionarrayFree(ProSelection* selections) {
+    EXPECT_HANDLE(selections);
     ENTER();
     return toolkit().freeSelectionArray(selections) ? PRO_TK_NO_ERROR : PRO_TK_BAD_INPUTS;
 }
 
-ProError ProArraySizeGet(ProArray, int* size) {
+ProError ProArraySizeGet(ProArray array, int* size) {
+    EXPECT_HANDLE(array);
     ENTER();
-    *size = static_cast<int>(toolkit().selection.size());
+    *size = toolkit().arraySize.value_or(static_cast<int>(toolkit().selection.size()));
     return PRO_TK_NO_ERROR;
 }
 
 ProError ProSelectionAsmcomppathGet(ProSelection selection, ProAsmcomppath* path) {
+    EXPECT_HANDLE(selection);
     ENTER();
     const auto& ids = *static_cast<std::vector<int>*>(selection);
     path->owner = &toolkit();
     path->table_num = static_cast<int>(ids.size());
-    for (std::size_t i = 0; i < ids.size(); ++i) path->comp_id_table[i] = ids[i];
+    std::copy_n(ids.begin(), std::min<std::size_t>(ids.size(), PRO_MAX_ASSEM_LEVEL), path->comp_id_table);
     return PRO_TK_NO_ERROR;
 }
 
 ProError ProFeatureInit(ProSolid owner, int id, ProFeature* feature) {
+    EXPECT_HANDLE(owner);
     ENTER();
     *feature = {0, id, owner};
     return PRO_TK_NO_ERROR;
 }
 
 ProError ProAssemblyDynPosSet(ProAssembly assembly, ProBoolean on) {
+    EXPECT_HANDLE(assembly);
     ENTER();
     if (assembly != &toolkit()) return PRO_TK_BAD_INPUTS;
     toolkit().isDynamic = on == PRO_B_TRUE;
@@ -217,6 +252,7 @@ ProError ProAssemblyDynPosSet(ProAssembly assembly, ProBoolean on) {
 }
 
 ProError ProAsmcompPositionGet(ProAsmcomp* component, ProMatrix position) {
+    EXPECT_HANDLE(component->owner);
     ENTER();
     const auto found = toolkit().components.find(component->id);
     if (component->owner != &toolkit() || found == toolkit().components.end()) return PRO_TK_E_NOT_FOUND;
@@ -225,8 +261,12 @@ ProError ProAsmcompPositionGet(ProAsmcomp* component, ProMatrix position) {
 }
 
 ProError ProAsmcompPositionSet(ProAsmcomppath* path, ProAsmcomp* component, ProMatrix position) {
+    EXPECT_HANDLE(path->owner);
+    EXPECT_HANDLE(component->owner);
+    expectFinite(position, __func__);
     ENTER();
-    if (!toolkit().isDynamic) ++toolkit().positionsSetOutsideDynamic;
+    toolkit().expect(toolkit().isDynamic || toolkit().hasFailed("ProAssemblyDynPosSet"), __func__,
+                     "outside dynamic positioning");
     const auto found = toolkit().components.find(component->id);
     if (path->owner != &toolkit() || path->table_num < 1 || found == toolkit().components.end()) {
         return PRO_TK_E_NOT_FOUND;
@@ -236,6 +276,7 @@ ProError ProAsmcompPositionSet(ProAsmcomppath* path, ProAsmcomp* component, ProM
 }
 
 ProError ProAsmcompRegenerate(ProAsmcomp* component, ProBoolean) {
+    EXPECT_HANDLE(component->owner);
     ENTER();
     return toolkit().components.contains(component->id) ? PRO_TK_NO_ERROR : PRO_TK_E_NOT_FOUND;
 }
@@ -247,13 +288,13 @@ ProError ProViewMatrixGet(ProMdl, ProView, ProMatrix matrix) {
 }
 
 ProError ProViewMatrixSet(ProMdl, ProView, ProMatrix matrix) {
+    expectFinite(matrix, __func__);
     ENTER();
     for (int i = 0; i < 3; ++i) {
         const double size = std::hypot(matrix[i][0], matrix[i][1], matrix[i][2]);
-        if (!(std::abs(size - 1.0) < substitute::kUnitTolerance)) {
-            ++toolkit().rejectedViews;
-            return PRO_TK_BAD_INPUTS;
-        }
+        const bool isUnit = std::abs(size - 1.0) < substitute::kUnitTolerance;
+        toolkit().expect(isUnit, __func__, "a row that is not of length 1");
+        if (!isUnit) return PRO_TK_BAD_INPUTS;
     }
     std::memcpy(&toolkit().view, matrix, sizeof(ProMatrix));
     return PRO_TK_NO_ERROR;
@@ -265,6 +306,7 @@ ProError ProViewRefit(ProMdl, ProView) {
 }
 
 ProError ProVectorTrfEval(ProVector in, ProMatrix matrix, ProVector out) {
+    expectFinite(matrix, __func__);
     ENTER();
     const double x = in[0], y = in[1], z = in[2];
     for (int i = 0; i < 3; ++i) out[i] = x * matrix[0][i] + y * matrix[1][i] + z * matrix[2][i];

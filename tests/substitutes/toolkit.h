@@ -6,6 +6,8 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -31,14 +33,14 @@ class Toolkit {
     ProMode mode = PRO_MODE_PART;
     bool isSketchActive = false;
     int window = 1;
+    std::optional<int> arraySize;  // what ProArraySizeGet answers instead of the selection's size
 
     // --- What reached the host ---
     int selectionArrays = 0;  // handed out and not given back
-    int badFrees = 0;         // given back twice, or never handed out
-    int foreignCalls = 0;     // from another thread
     bool isDynamic = false;   // dynamic positioning is on
-    int positionsSetOutsideDynamic = 0;
-    int rejectedViews = 0;  // ProViewMatrixSet with rows not of length 1
+    // Whatever no host should be called with: from another thread, null handles, what is not finite, an array given
+    // back twice, positions outside dynamic positioning. A line each.
+    std::vector<std::string> faults;
     std::vector<std::wstring> macros;
     std::map<std::wstring, std::wstring> options;
     std::map<int, ProFunction> notifications;
@@ -53,14 +55,17 @@ class Toolkit {
     std::vector<int> chkbuttonStates;  // what ProCmdChkbuttonValueSet was called with
 
     // --- Failures and calls ---
-    // The function answers err from now on (0: works again) and writes no outputs.
-    void fail(std::string_view function, ProError err = PRO_TK_GENERAL_ERROR);
+    // The function answers err (0: works again) and writes no outputs, in `count` calls (negative: all) from the
+    // from-th one on.
+    void fail(std::string_view function, ProError err = PRO_TK_GENERAL_ERROR, int from = 1, int count = -1);
     // Runs the action in every call of the function, before anything else.
     void onCall(std::string_view function, std::function<void()> action);
     int calls(std::string_view function) const;
+    bool hasFailed(std::string_view function) const;  // was made to, and was not made to work again
 
     // For the functions themselves: counts the call; the error that the function is to answer.
     ProError enter(std::string_view function);
+    void expect(bool isRight, std::string_view function, std::string_view what);  // notes a fault
     ProSelection* newSelectionArray();
     bool freeSelectionArray(ProSelection* array);
 
@@ -68,7 +73,9 @@ class Toolkit {
     struct Function {
         int calls = 0;
         ProError error = PRO_TK_NO_ERROR;
-        std::function<void()> action;
+        int skip = 0;                                   // calls that work before
+        int left = -1;                                  // calls that fail; negative: all
+        std::shared_ptr<std::function<void()>> action;  // shared: it may set another while it runs
     };
     std::map<std::string, Function, std::less<>> mFunctions;
     std::thread::id mThread;

@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #include "common_sources/creo_proxy.h"
 #include "common_sources/hand_over.h"
@@ -13,6 +14,20 @@ namespace substitute {
 namespace {
 
 std::atomic<int> allowedThreads{-1};
+std::atomic<int> runningThreads{0};
+
+struct ThreadStart {
+    void* (*start)(void*);
+    void* argument;
+};
+
+void* runCounted(void* memory) {
+    const ThreadStart thread = *static_cast<ThreadStart*>(memory);
+    std::free(memory);
+    void* const result = thread.start(thread.argument);
+    --runningThreads;
+    return result;
+}
 
 }  // namespace
 
@@ -28,6 +43,8 @@ Progress& progress() {
 
 void allowThreads(int count) { allowedThreads = count; }
 
+int threads() { return runningThreads; }
+
 }  // namespace substitute
 
 using substitute::windows;
@@ -36,6 +53,8 @@ void CreoProxy::discoverWindows() {
     ++windows().discoveries;
     if (windows().onDiscovery) windows().onDiscovery();
 }
+
+void CreoProxy::ensureTimer() { ++windows().timersEnsured; }
 
 void CreoProxy::checkWindows() { ++windows().checks; }
 
@@ -109,6 +128,10 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*), void* argument) {
     if (substitute::allowedThreads == 0) return EAGAIN;
     if (substitute::allowedThreads > 0) --substitute::allowedThreads;
-    return __real_pthread_create(thread, attributes, start, argument);
+    ++substitute::runningThreads;
+    // Not by operator new, which a test may let fail.
+    auto* counted = static_cast<substitute::ThreadStart*>(std::malloc(sizeof(substitute::ThreadStart)));
+    *counted = {start, argument};
+    return __real_pthread_create(thread, attributes, substitute::runCounted, counted);
 }
 // NOLINTEND(bugprone-reserved-identifier)

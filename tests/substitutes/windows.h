@@ -22,6 +22,7 @@ struct Windows {
 
     int discoveries = 0;
     int checks = 0;
+    int timersEnsured = 0;
     int killedTimers = 0;
     std::function<void()> onDiscovery;
 
@@ -47,5 +48,6 @@ Progress& progress();
 // Makes the plug-in's next calls of pthread_create succeed that often and fail from then on; negative = no limit.
 // Threads of the test itself count, too.
 void allowThreads(int count);
+int threads();  // running now
 
 }  // namespace substitute

@@ -69,6 +69,10 @@ TEST(Registration, ReplacesWhatIsOursInItsPlace) {
     }
     RegistrationFile open("name orbikon_creo\nexec_file orbikon_creo.dll\n");
     EXPECT_FALSE(open.remove(kPluginId));  // where it ends is not known
+    // What is left becomes an entry of ours when the one between goes: it goes, too.
+    RegistrationFile nested("name orbikon_creo\nname orbikon_creo\nend\nend\n! c\n");
+    EXPECT_TRUE(nested.remove(kPluginId));
+    EXPECT_EQ(nested.bytes(), "! c\n");
     RegistrationFile similar("name orbikon_creo2\nexec_file my_orbikon_creo.dll\nend\n");
     EXPECT_FALSE(similar.remove(kPluginId));
 }

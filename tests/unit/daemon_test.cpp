@@ -1,5 +1,6 @@
 // The link to the daemon: connecting, reading, sending the mode, the legacy channel.
 #include <algorithm>
+#include <thread>
 
 #include "driver/obk_ctrlr.h"
 #include "tests/unit/plugin.h"
@@ -37,10 +38,8 @@ class Daemon : public PlugIn {
         toolkit().mode = mode;
         creo().checkMode(false);
     }
-    std::array<int, 6> axes() const {
-        const HandOver::Motion& m = addin->handOver.motion;
-        return {m.tx, m.ty, m.tz, m.rx, m.ry, m.rz};
-    }
+    static std::array<int, 6> axesOf(const HandOver::Motion& m) { return {m.tx, m.ty, m.tz, m.rx, m.ry, m.rz}; }
+    std::array<int, 6> axes() const { return axesOf(handOver().motion); }
 };
 
 TEST_F(Daemon, ConnectsStepByStep) {
@@ -71,12 +70,27 @@ TEST_F(Daemon, ConnectsStepByStep) {
         EXPECT_EQ(newLog(), c.log);
         EXPECT_EQ(driver().calls(Operation::disconnect), disconnects);
     }
-    driver().setDevices({});
-    EXPECT_TRUE(daemon().connect());
-    EXPECT_THAT(newLog(), ElementsAre(tried));
     driver().setDevices({std::string(5000, 'n')});  // a name without its end
     EXPECT_TRUE(daemon().connect());
     EXPECT_EQ(newLog().back(), "INF devIdx: 0:" + std::string(2027, 'n'));
+}
+
+TEST_F(Daemon, AsksForASensibleNumberOfDevices) {
+    start();
+    struct Case {
+        std::int32_t count;
+        int asked;
+    };
+    for (const auto& [count, asked] : {Case{0, 0}, Case{16, 16}, Case{17, 16}, Case{2147483647, 16}, Case{-1, 0}}) {
+        driver().setDeviceCount(count);
+        const int before = driver().calls(Operation::getDevInfo);
+        newLog();
+        EXPECT_TRUE(daemon().connect());
+        EXPECT_EQ(driver().calls(Operation::getDevInfo) - before, asked);
+        const std::string said = "WRN The driver counts " + std::to_string(count) + " devices, only " +
+                                 std::to_string(asked) + " are asked for.";
+        EXPECT_EQ(std::ranges::count(newLog(), said), count != asked);
+    }
 }
 
 TEST_F(Daemon, CheckDisconnectsWhenTheDaemonDoesNotAnswer) {
@@ -201,10 +215,70 @@ TEST_F(Daemon, LegacyChannelIsSavedOnceAndRestoredOnce) {
 }
 
 TEST_F(Daemon, ChannelIsGivenBackAtTheEnd) {
+    struct Case {
+        int failures;  // of switching it on
+        bool isBackOn;
+    };
+    for (const auto& [failures, isBackOn] : {Case{0, true}, Case{1, true}, Case{-1, false}}) {
+        driver().reset();
+        start();
+        addin->legacyCom1.stopLegacyCom1();
+        EXPECT_EQ(driver().legacyCom1(), 0);
+        newLog();
+        driver().fail(Operation::setOption, -1, failures);
+        stop();
+        EXPECT_EQ(driver().legacyCom1(), isBackOn) << failures;
+        const auto lines = newLog();
+        const auto failed = std::ranges::count(lines, "ERR Cannot switch LegacyCOM1 on again!");
+        EXPECT_TRUE(isBackOn ? failed == failures : failed > 1 && failed < 10) << failed;
+        const std::string said =
+            "ERR LegacyCOM1 stays off: Creo's own device support gets no motion until the "
+            "device's daemon is started anew!";
+        EXPECT_EQ(std::ranges::count(lines, said), !isBackOn);
+    }
+}
+
+// What was saved belongs to the daemon that was lost. While it is away nothing is decided anew.
+TEST_F(Daemon, ChannelOfALostDaemonIsForgottenWhenThereIsOneAgain) {
     start();
-    addin->legacyCom1.stopLegacyCom1();
+    LegacyCom1& channel = addin->legacyCom1;
+    const auto lose = [&] {
+        driver().setDaemonPresent(false);
+        EXPECT_FALSE(daemon().checkConnection());
+    };
+    const auto comeBack = [&](std::int32_t value) {
+        driver().setDaemonPresent(true);
+        driver().setLegacyCom1(value);
+        EXPECT_TRUE(daemon().connect());
+    };
+    EXPECT_TRUE(channel.stopLegacyCom1());
+    lose();
+    const int gets = driver().calls(Operation::getOption);
+    EXPECT_FALSE(channel.stopLegacyCom1());
+    EXPECT_EQ(driver().calls(Operation::getOption), gets);
+    comeBack(1);
+    EXPECT_TRUE(channel.stopLegacyCom1());
     EXPECT_EQ(driver().legacyCom1(), 0);
-    stop();
+    EXPECT_FALSE(channel.stopLegacyCom1());
+
+    lose();
+    comeBack(0);
+    EXPECT_TRUE(channel.resetLegacyCom1());
+    EXPECT_EQ(driver().legacyCom1(), 1) << "the same daemon: its channel was off because of us";
+
+    // Asked for already when the first tick finds a daemon, before the link is all set up.
+    lose();
+    EXPECT_FALSE(channel.stopLegacyCom1());
+    driver().setDaemonPresent(true);
+    driver().setLegacyCom1(1);
+    driver().hang(Operation::getDevNum);
+    std::thread watchdog([this] { daemon().connect(); });
+    EXPECT_TRUE(driver().waitUntilHanging());
+    EXPECT_TRUE(channel.stopLegacyCom1());
+    driver().hang(Operation::getDevNum, false);
+    watchdog.join();
+    EXPECT_FALSE(channel.stopLegacyCom1());
+    EXPECT_TRUE(channel.resetLegacyCom1());
     EXPECT_EQ(driver().legacyCom1(), 1);
 }
 
@@ -219,6 +293,50 @@ TEST_F(Daemon, AxesAreTakenFromGoodReadsOnly) {
     EXPECT_EQ(axes(), expected);
     EXPECT_EQ(handOver().motion.extra1, 70000);
     EXPECT_EQ(handOver().applFunction, 5);
+}
+
+// The motion ends when the watchdog finds the connection lost, and no read that began before comes after it.
+TEST_F(Daemon, AxesOfALostConnectionAreZero) {
+    constexpr std::array<int, 6> kRest{};
+    const Read deflected{0, {1, 2, 3, 4, 5, 6}, -1, 0, 0};
+    startReading();
+    send(deflected);
+    driver().fail(Operation::read);
+    waitForPasses();
+    EXPECT_EQ(axes(), (std::array<int, 6>{1, 2, 3, 4, 5, 6})) << "failing reads leave them";
+    driver().fail(Operation::read, 0);
+
+    driver().hang(Operation::read);
+    ASSERT_TRUE(driver().waitUntilHanging());  // a read begins,
+    driver().fail(Operation::getDevNum);
+    driver().hang(Operation::disconnect);
+    std::thread watchdog([this] { EXPECT_FALSE(daemon().checkConnection()); });
+    ASSERT_TRUE(driver().waitForCalls(Operation::disconnect, 1));  // the connection is lost,
+    EXPECT_EQ(axes(), kRest);
+    driver().queue(deflected);
+    driver().hang(Operation::read, false);  // and the read brings something
+    ASSERT_TRUE(driver().waitUntilIdle());
+    EXPECT_EQ(axes(), kRest);
+    send(deflected);  // read before the disconnection
+    driver().hang(Operation::disconnect, false);
+    watchdog.join();
+    EXPECT_EQ(axes(), kRest);
+
+    driver().fail(Operation::getDevNum, 0);
+    EXPECT_TRUE(daemon().connect());
+    waitForPasses();
+    EXPECT_EQ(axes(), kRest);
+    send({0, {6, 5, 4, 3, 2, 1}, -1, 0, 0});
+    EXPECT_EQ(axes(), (std::array<int, 6>{6, 5, 4, 3, 2, 1}));
+}
+
+// However often the connection is lost.
+TEST_F(Daemon, AxesStayZeroWhenTheCountOfLossesComesRound) {
+    HandOver::Motion motion;
+    motion.store({1, 2, 3, 4, 5, 6}, motion.losses);
+    for (int i = 0; i < 1 << 16; ++i) motion.lose();
+    EXPECT_EQ(motion.losses, 0);
+    EXPECT_EQ(axesOf(motion), (std::array<int, 6>{}));
 }
 
 TEST_F(Daemon, EventsReachTheirSlots) {
@@ -313,13 +431,6 @@ TEST_F(Daemon, EndReleasesAReadThatBlocks) {
     ASSERT_TRUE(driver().waitUntilIdle());  // inside the read
     stop();
     EXPECT_FALSE(driver().isConnected());
-}
-
-TEST_F(Daemon, EndsRightAfterTheStart) {
-    for (int i = 0; i < 5; ++i) {
-        start(Threads::reading);
-        stop();
-    }
 }
 
 TEST_F(Daemon, WithoutAReadingThreadTheEndDoesNotWait) {

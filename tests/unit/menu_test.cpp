@@ -1,4 +1,5 @@
 // Loading of the menu file, whatever state it is in.
+#include "tests/substitutes/system.h"
 #include "tests/unit/plugin.h"
 
 namespace {
@@ -67,6 +68,36 @@ TEST_F(Menu, FilesOfEveryKind) {
     }
 }
 
+// A file that can be read and does not serve: made in another language, or without anything for a button.
+TEST_F(Menu, FileThatDoesNotServeIsNamed) {
+    const std::string own = "[MenuBar]\n0Orbikon = {}\n";
+    const std::string german = own + "1Bewegungsmodus umschalten = {}OB_Toggle_Object_Move_Mode|x\n";
+    const std::string english = own + "1Toggle Move Mode = {}OB_Toggle_Object_Move_Mode|x\n";
+    struct Case {
+        const char* language;
+        std::string file, line;
+    };
+    const std::string remedy = "; delete it, start Creo, which makes it anew, and bind the device's buttons again.";
+    const Case cases[] = {
+        {"german", german, ""},
+        {"german", english, "is English, Creo's language is 'german'"},
+        {"French", german, "is German, Creo's language is 'french'"},
+        {"french", english, ""},
+        {"english", own + "A = {}one|h\n", ""},
+        {"english", own, "has no entry, buttons run no commands"},
+    };
+    for (const auto& [language, file, line] : cases) {
+        start(Threads::none, kProgram + std::string("mnuLanguage = ") + language + "\n");
+        writeMenuFile(file);
+        newLog();
+        creo().loadMenufile();
+        const auto lines = newLogWithout({"TRC", "DBG", "INF", "CRT", "TMP"});
+        using Lines = std::vector<std::string>;
+        EXPECT_EQ(lines, line.empty() ? Lines{} : Lines{"WRN Menu file '" + menuFile() + "' " + line + remedy});
+        stop();
+    }
+}
+
 TEST_F(Menu, GenerationDecidesWhatIsLoaded) {
     struct Case {
         const char* what;
@@ -101,12 +132,61 @@ TEST_F(Menu, GenerationDecidesWhatIsLoaded) {
     }
 }
 
-TEST_F(Menu, FolderInPlaceOfTheFileEndsTheLoading) {
+// A folder in the file's place stands for a file that another program holds. The device is served meanwhile.
+TEST_F(Menu, FileThatCannotBeOpenedIsTriedAgainForHalfAMinute) {
+    using std::chrono::seconds;
+    substitute::windows().generate = [](const std::string&) {
+        ADD_FAILURE() << "generated over what is there";
+        return GenerationEnd::failed;
+    };
+    const auto tick = [&](seconds later) {
+        substitute::advanceClock(later);
+        creo().loadMenufile();
+        EXPECT_EQ(handOver().menuFileProgress, 1.0);
+        return creo().isMenuFileAwaited();
+    };
+    const std::string name = "Menu file '" + menuFile() + "' ";
+    for (const bool isFreed : {true, false}) {
+        start();
+        EXPECT_TRUE(creo().isMenuFileAwaited());
+        std::filesystem::create_directory(menuFile());
+        newLog();
+        EXPECT_TRUE(tick(seconds(0)));
+        EXPECT_THAT(newLog(), testing::ElementsAre("WRN " + name +
+                                                   "cannot be read, trying again for 30 s; close the "
+                                                   "program that holds it."));
+        EXPECT_TRUE(tick(seconds(20)));
+        std::filesystem::remove(menuFile());
+        EXPECT_TRUE(tick(seconds(0))) << "perhaps it is being replaced";
+        EXPECT_THAT(newLog(), testing::IsEmpty());
+        if (isFreed) writeMenuFile("[MenuBar]\na = {}one|h\n");
+        EXPECT_FALSE(tick(seconds(10)));
+        EXPECT_THAT(newLog(), Contains(isFreed ? "TRC " + name + "with 1 entries loaded."
+                                               : "ERR " + name +
+                                                     "could not be read, buttons run no commands; close "
+                                                     "the program that holds it and start Creo again."));
+        EXPECT_EQ(entries(), isFreed ? 1 : 0);
+        std::filesystem::remove(menuFile());
+        EXPECT_FALSE(tick(seconds(0))) << "at its end";
+        stop();
+    }
+}
+
+TEST_F(Menu, EachCallMayFailWhileItIsLoaded) {
     start();
-    std::filesystem::create_directory(menuFile());
-    creo().loadMenufile();
-    EXPECT_EQ(handOver().menuFileProgress, 1.0);
-    EXPECT_EQ(entries(), 0);
+    writeMenuFile("[Modes]\nA = 1\n\n[MenuBar]\na = {}" + std::string(100, 'c') + "|h\nb = {}two|h\n");
+    handOver().mode = 0;
+    const auto firstTick = [&] {
+        handOver().menuFileProgress = HandOver::kProgressNotStarted;
+        creo().loadMenufile();
+    };
+    const auto check = [&](const std::string&) {
+        if (creo().isMenuFileAwaited()) creo().loadMenufile();  // the next tick
+        const bool isLoaded = !creo().isMenuFileAwaited() && handOver().modeName() == "A" && entries() == 2;
+        handOver().publishModeNames({});
+        return isLoaded ? "" : "no menu file";
+    };
+    EXPECT_THAT(substitute::failEachCall(firstTick, check), testing::IsEmpty());
 }
 
 TEST_F(Menu, GenerationThatThrowsEndsTheLoading) {
@@ -114,6 +194,8 @@ TEST_F(Menu, GenerationThatThrowsEndsTheLoading) {
     start();
     EXPECT_THROW(creo().loadMenufile(), std::bad_alloc);
     EXPECT_EQ(handOver().menuFileProgress, 1.0);
+    EXPECT_NO_THROW(creo().loadMenufile()) << "it is over: nothing is generated any more";
+    EXPECT_FALSE(creo().isMenuFileAwaited());
 }
 
 }  // namespace

@@ -1,4 +1,7 @@
 // Creo's mode, and the commands and notifications that look at it.
+#include <functional>
+#include <stdexcept>
+
 #include "tests/unit/plugin.h"
 
 namespace {
@@ -132,15 +135,26 @@ TEST_F(Mode, RegistrationsReachTheHostInOrder) {
     EXPECT_TRUE(toolkit().chkbuttonStates.empty());
 }
 
+// A command that the host refused gets no menu item. (The fixture looks for null handles.)
 TEST_F(Mode, RefusedRegistrationsAreLoggedAndGoneWithout) {
     for (const char* function : {"ProCmdOptionAdd", "ProCmdDesignate", "ProMenubarMenuAdd",
-                                 "ProMenubarmenuChkbuttonAdd", "ProNotificationSet"}) {
-        toolkit().reset();
-        toolkit().fail(function, -2);
-        start();
-        EXPECT_THAT(newLog(), Contains("ERR Error in " + std::string(function) + "()! err=-2"));
-        stop();
-        newLog();
+                                 "ProMenubarmenuChkbuttonAdd", "ProNotificationSet", "ProNotificationUnset"}) {
+        for (const auto& [from, count] : {std::pair{1, 1}, {2, 1}, {1, -1}}) {
+            toolkit().trace.clear();
+            toolkit().fail(function, -2, from, count);
+            start();
+            const std::string trace = testing::PrintToString(toolkit().trace);
+            EXPECT_EQ(trace.find("none"), std::string::npos) << trace;
+            if (function == std::string("ProCmdOptionAdd") && count == 1) {
+                EXPECT_THAT(trace, testing::HasSubstr(from == 1 ? "Designate Orbikon_ToggleScrollMode"
+                                                                : "Designate Orbikon_ToggleMoveMode"));
+            }
+            stop();
+            const bool isCalledOnce = function == std::string("ProMenubarMenuAdd");
+            EXPECT_THAT(newLog(), Contains("ERR Error in " + std::string(function) + "()! err=-2")
+                                      .Times(isCalledOnce && from == 2 ? 0 : 1));
+            toolkit().fail(function, 0);
+        }
     }
 }
 
@@ -170,6 +184,39 @@ TEST_F(Mode, Toggles) {
         EXPECT_EQ(scroll.access(0), 3) << mode;
     }
     EXPECT_EQ(substitute::windows().checks, 12);
+    // Every callback sees to the timer first.
+    EXPECT_EQ(substitute::windows().timersEnsured, static_cast<int>(2 * std::size(cases)) + 12);
+}
+
+// Nothing leaves a callback: it is logged, and answered as if there were no plug-in.
+TEST_F(Mode, WhatIsThrownEndsACallbackAtItsEdge) {
+    start();
+    const auto& move = toolkit().commands.at("Orbikon_ToggleMoveMode");
+    const auto& scroll = toolkit().commands.at("Orbikon_ToggleScrollMode");
+    struct Case {
+        const char* name;
+        int answer;
+        std::function<int()> call;
+    };
+    const Case cases[] = {
+        {"moveToggleAction", 0, [&] { return move.action(nullptr, nullptr, nullptr); }},
+        {"scrollToggleAction", 0, [&] { return scroll.action(nullptr, nullptr, nullptr); }},
+        {"moveToggleValue", -1, [&] { return move.value(nullptr, nullptr); }},
+        {"scrollToggleValue", -1, [&] { return scroll.value(nullptr, nullptr); }},
+        {"moveToggleAccess", 1, [&] { return move.access(0); }},
+        {"scrollToggleAccess", 3, [&] { return scroll.access(0); }},
+        {"onWindowChange", 0, [] { return toolkit().notifications.at(18)(); }},
+        {"onModelChange", 0, [] { return toolkit().notifications.at(72)(); }},
+    };
+    for (const char* function : {"ProCmdChkbuttonValueSet", "ProModeCurrentGet"}) {
+        toolkit().onCall(function, [] { throw std::runtime_error("host"); });
+    }
+    toolkit().mode = 5;
+    newLog();
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.call(), c.answer) << c.name;
+        EXPECT_THAT(newLog(), ElementsAre("ERR Error " + std::string(c.name) + "()"));
+    }
 }
 
 }  // namespace

@@ -4,19 +4,21 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <climits>
 #include <cstring>
-#include <memory>
 #include <thread>
 
 #include "OB_Daemon/src/thread_id.h"
+#include "tests/substitutes/system.h"
 #include "tests/unit/scratch.h"
 
 namespace {
 
+using substitute::Call;
+
 TEST(Mutex, SecondLockBlocksUntilAnotherThreadReleases) {
     Mutex mutex;
     ASSERT_EQ(mutex.lock(), 0);
+    EXPECT_FALSE(mutex.tryLock());
     std::atomic<int> locked{1};
     std::atomic<bool> isReleased{false};
     std::atomic<bool> wasReleasedBefore{false};
@@ -33,6 +35,7 @@ TEST(Mutex, SecondLockBlocksUntilAnotherThreadReleases) {
     EXPECT_EQ(locked, 3);
     EXPECT_TRUE(wasReleasedBefore);
     EXPECT_EQ(mutex.unlock(), 0);
+    EXPECT_TRUE(mutex.tryLock());
 }
 
 TEST(Mutex, ExcludesOtherThreads) {
@@ -57,22 +60,39 @@ TEST(Mutex, IsNamedAfterTheProcess) {
     EXPECT_EQ(mutex.name(), "Logging_" + std::to_string(processId()));
 }
 
-#ifndef _WIN32
-// The semaphore is the first member; its count lies at its beginning. One more than its largest count cannot be.
-TEST(Mutex, ReportsAFailedUnlockOnTheOutputStream) {
-    Mutex mutex;
-    sem_t full;
-    ASSERT_EQ(sem_init(&full, 0, SEM_VALUE_MAX), 0);
-    std::memcpy(static_cast<void*>(&mutex), &full, sizeof full);
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    EXPECT_NE(mutex.unlock(), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              std::string("Mutex::unlock(): **** Error unlocking semaphore '") + mutex.name() + "' by thread " +
-                  std::to_string(currentThreadId()) + "'! **** errno = " + std::to_string(EOVERFLOW) +
-                  ", error: " + std::strerror(EOVERFLOW) + "\n");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+TEST(Mutex, ReportsEachFailedCallOnAStandardStream) {
+    const std::string id = std::to_string(currentThreadId());
+    const std::string name = "'Logging_" + std::to_string(processId()) + "'";
+    const std::string error = "errno = " + std::to_string(substitute::kCallError) +
+                              ", error: " + std::strerror(substitute::kCallError) + "\n";
+    struct Case {
+        Call call;
+        std::string errorStream, outputStream;
+    };
+    const Case cases[] = {
+        {Call::semInit, "Mutex::Mutex(): **** Error initializing semaphore by thread " + id + "! **** " + error, ""},
+        {Call::semWait, "Mutex::lock(): **** Error locking semaphore " + name + " by thread " + id + "! **** " + error,
+         ""},
+        {Call::semPost, "",
+         "Mutex::unlock(): **** Error unlocking semaphore " + name + " by thread " + id + "'! **** " + error},
+        {Call::semDestroy,
+         "Mutex::~Mutex(): Semaphore " + name + " (OS X ID not available) of thread " + id +
+             " could not be destroyed!" + error,
+         ""},
+    };
+    for (const Case& c : cases) {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        {
+            const substitute::NthFails fails(c.call, 1);
+            Mutex mutex;
+            const bool isLocked = mutex.lock() == 0;
+            EXPECT_EQ(isLocked, c.call != Call::semWait);
+            EXPECT_EQ(isLocked && mutex.unlock() == 0, isLocked && c.call != Call::semPost);
+        }
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.errorStream);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), c.outputStream);
+    }
 }
-#endif
 
 }  // namespace

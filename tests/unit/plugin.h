@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -20,8 +20,7 @@ using substitute::driver;
 using substitute::Operation;
 using substitute::toolkit;
 
-// How many of the plug-in's threads start: the reading thread is the first, the watchdog (with which every end takes
-// two seconds) the second.
+// How many of the plug-in's threads start: the reading thread is the first, the watchdog the second.
 enum class Threads { none = 0, reading = 1, all = -1 };
 
 class PlugIn : public testing::Test {
@@ -33,9 +32,14 @@ class PlugIn : public testing::Test {
         substitute::windows() = {};
         substitute::progress().starts = substitute::progress().stops = 0;
         substitute::progress().last = -1.0;
+        CObAddin::watchdogPause = std::chrono::milliseconds(5);
     }
     ~PlugIn() override {
         stop();
+        CObAddin::watchdogPause = mRealPause;
+        DriverThread::patience = mRealPatience;
+        driver().reset();  // whoever hangs in it comes back
+        EXPECT_TRUE(waitUntil([] { return substitute::threads() == 0; }));
         gLogging.init(LoggingParameters());
         // A statement inside a lambda names the method around it.
         const std::string written = textOf(productFolder() + kPathSeparator + "plug.log");
@@ -43,27 +47,33 @@ class PlugIn : public testing::Test {
             EXPECT_EQ(written.find(std::string(className) + "::operator()"), std::string::npos);
         }
         EXPECT_EQ(toolkit().selectionArrays, 0);
-        EXPECT_EQ(toolkit().badFrees, 0);
-        EXPECT_EQ(toolkit().foreignCalls, 0);
+        EXPECT_FALSE(toolkit().isDynamic);
+        EXPECT_THAT(toolkit().faults, testing::IsEmpty());
     }
 
-    // Creates the add-in with everything logged; `program` are the lines of section PROGRAM.
+    // Creates the add-in with everything logged; `program` are lines of section PROGRAM.
     void start(Threads threads = Threads::none, const std::string& program = kProgram) {
         writeSettings(program);
         substitute::allowThreads(static_cast<int>(threads));
-        addin = std::make_unique<CObAddin>();
+        user_initialize();
+        addin = gAddin;
         substitute::allowThreads(-1);
     }
-    void stop() { addin.reset(); }
+    void stop() {
+        user_terminate();
+        addin = nullptr;
+    }
 
     static constexpr char kProgram[] =
         "transSensBase = 500\nrotSensBase = 1\nminThreshold = 10\nmaxContMoveTime = 5000\nscrollTreeAndList = on\n"
         "readMode = off\nuseMapkeyForCommands = off\nmapkeyDefinition = ob\n";
+    static constexpr char kOtherKeys[] =
+        "name = x\nversion = 1\nmaxFrameTime = 100\nblockTransInRotMode = off\nmnuLanguage =\n";
 
     void writeSettings(const std::string& program) const {
         std::filesystem::create_directories(settingsFolder());
         writeFile(settingsFolder() + kPathSeparator + "Creo_plugin.ini",
-                  "[PROGRAM]\n" + program +
+                  "[PROGRAM]\n" + program + kOtherKeys +
                       "\n[LOGGING]\nlogFile = plug.log\nmaxSize = 500000\nlogToFile = on\nlogToCnsl = off\n"
                       "warning = on\ncreation = on\ntrace = on\ndevcom = on\nintcom = on\ninfo = on\ndebug = on\n"
                       "tmp = on\nfileToLog =\n");
@@ -74,17 +84,7 @@ class PlugIn : public testing::Test {
     std::string settingsFolder() const { return productFolder() + kPathSeparator + "Applications"; }
     std::string menuFile() const { return settingsFolder() + kPathSeparator + "Creo.mnu"; }
 
-    // The log so far: "TAG message" for each line of it.
-    std::vector<std::string> log() const {
-        constexpr std::size_t kOtherColumns = 16 + 2 + 4 + 2 + 32 + 2;
-        std::vector<std::string> result;
-        for (const auto& line : linesOf(textOf(productFolder() + kPathSeparator + "plug.log"))) {
-            if (line.size() < 16 || line[2] != ':' || line[12] != '|') continue;
-            const std::size_t begin = line.find('|', 17) + 1 + kOtherColumns;  // the thread's column may be longer
-            result.push_back(line.substr(13, 3) + " " + line.substr(begin));
-        }
-        return result;
-    }
+    std::vector<std::string> log() const { return logged(productFolder() + kPathSeparator + "plug.log"); }
     // Lines of the log that were written since the last call.
     std::vector<std::string> newLog() {
         auto all = log();
@@ -102,22 +102,19 @@ class PlugIn : public testing::Test {
     }
 
     CreoProxy& creo() const { return *addin->mCreoProxyP; }
-    DaemonProxy& daemon() const { return *addin->mDaemonProxyP; }
-    HandOver& handOver() const { return addin->handOver; }
+    DaemonLink& daemon() const { return *addin->mDaemonProxyP->link(); }
+    HandOver& handOver() const { return *addin->handOver; }
 
     void setAxes(std::int16_t tx, std::int16_t ty, std::int16_t tz, std::int16_t rx, std::int16_t ry,
                  std::int16_t rz) const {
-        HandOver::Motion& slots = addin->handOver.motion;
-        slots.tx = tx;
-        slots.ty = ty;
-        slots.tz = tz;
-        slots.rx = rx;
-        slots.ry = ry;
-        slots.rz = rz;
+        HandOver::Motion& motion = handOver().motion;
+        motion.store({tx, ty, tz, rx, ry, rz}, motion.losses);
     }
 
+    const std::chrono::milliseconds mRealPause = CObAddin::watchdogPause;
+    const std::chrono::milliseconds mRealPatience = DriverThread::patience;
     ScratchFolder profile;
-    std::unique_ptr<CObAddin> addin;
+    CObAddin* addin = nullptr;  // as long as it was started by start() and not ended
 
   private:
     std::size_t mLinesSeen = 0;

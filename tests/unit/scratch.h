@@ -1,6 +1,7 @@
 // A folder of its own for a test, files in it, environment variables, and waiting for a condition.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -16,8 +17,29 @@
 #include <process.h>
 inline int processId() { return _getpid(); }
 #else
+#include <sys/resource.h>
 #include <unistd.h>
+
+#include <csignal>
 inline int processId() { return getpid(); }
+
+// For the time of a scope no file can grow beyond that size, as if the disk were full then.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &mBefore);
+        rlimit small = mBefore;
+        small.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &mBefore); }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit mBefore{};
+};
 #endif
 
 // Null: unset.
@@ -65,11 +87,28 @@ inline std::string bytesOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// A text's bytes in a file that is written in text mode.
+inline std::string inTextMode([[maybe_unused]] std::string text) {
+#ifdef _WIN32
+    for (auto at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 2)) text.insert(at, 1, '\r');
+#endif
+    return text;
+}
+
 // The text of a file with line ends as "\n".
 inline std::string textOf(const std::string& path) {
     std::string text = bytesOf(path);
     std::erase(text, '\r');
     return text;
+}
+
+// Names of the files and folders in a folder, in order.
+inline std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 inline std::vector<std::string> linesOf(const std::string& text) {
@@ -81,6 +120,18 @@ inline std::vector<std::string> linesOf(const std::string& text) {
     }
     if (begin < text.size()) lines.push_back(text.substr(begin));
     return lines;
+}
+
+// What a log holds: "TAG message" for each line of it.
+inline std::vector<std::string> logged(const std::string& path) {
+    constexpr std::size_t kOtherColumns = 16 + 2 + 4 + 2 + 32 + 2;
+    std::vector<std::string> result;
+    for (const auto& line : linesOf(textOf(path))) {
+        if (line.size() < 16 || line[2] != ':' || line[12] != '|') continue;
+        const std::size_t begin = line.find('|', 17) + 1 + kOtherColumns;  // the thread's column may be longer
+        result.push_back(line.substr(13, 3) + " " + line.substr(begin));
+    }
+    return result;
 }
 
 inline void writeFile(const std::string& path, const std::string& bytes) {

@@ -3,98 +3,84 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
+#include "tests/substitutes/system.h"
 #include "tests/unit/scratch.h"
 
 namespace {
 
 const std::string kSeparator(1, kPathSeparator);
 
+// Keys in the order of the file: value by default, comment, and label in the dump of all members.
+struct Key {
+    const char *name, *value, *comment, *label;
+};
+const std::vector<Key> kProgram = {
+    {"name", "Geiplaigok", "# program's name", "(Creo-Plug-in) mName"},
+    {"version", "2.8.6", "# program's version number", "mVersion"},
+    {"transSensBase", "40000", "# base sensitivity divisor for translation", "mTraSensBase"},
+    {"rotSensBase", "10000", "# base sensitivity divisor for rotation", "mRotSensBase"},
+    {"minThreshold", "0", "# minimal threshold (overrides setting in control panel)", "mMinThreshold"},
+    {"maxContMoveTime", "5000", "# maximal time for continuous cap movement in milliseconds", "mMaxContMoveTime"},
+    {"maxFrameTime", "100", "# this parameter is obsolete and not longer used", "mMaxFrameTime"},
+    {"blockTransInRotMode", "off", "# if true translation is blocked while Creo is in rotation mode (on/off)",
+     "mIsTransToBlock"},
+    {"scrollTreeAndList", "on", "# scroll trees and lists within Catia if the mouse is above (on/off)",
+     "mScrollTreeAndList"},
+    {"readMode", "off", "# ask Creo for the mode it is in: off/on (on disables the undo stack due to a bug in Creo)",
+     "mIsModeToRead"},
+    {"mnuLanguage", "",
+     "# if set, this string is used for finding the compiled resources DLL (e.g. pro_default_xxxxxx_resources.dll)",
+     "mMNULanguage"},
+    {"useMapkeyForCommands", "on",
+     "# if set, Orbikon executes Creo commands with the help of a Mapkey and dynamic Trail-files, in this way the UNDO "
+     "Buffer is not cleared",
+     "mUseMapkeyForCommands"},
+    {"mapkeyDefinition", "ob", "# key string for the Mapkey, must be a-z or 0-9 with a length of max. 2",
+     "mMapkeyDefinition"},
+};
+const std::vector<Key> kLogging = {
+    {"logFile", "Creo_plugin_log.txt", "# name of log file", "mLogFile"},
+    {"maxSize", "5000", "# max. size of log file (kB)", "mMaxSize"},
+    {"logToFile", "off", "# log into log file:               off/on", "mIsLogToFile"},
+    {"logToCnsl", "off", "# log to console:                  off/on", "mIsLogToCnsl"},
+    {"warning", "off", "# log warnings:                    off/on", "mIsWarning"},
+    {"creation", "off", "# log creation etc.:               off/on", "mIsCreation"},
+    {"trace", "off", "# log trace data:                  off/on", "mIsTrace"},
+    {"devcom", "off", "# not used in this plug-in", "mIsDevCom"},
+    {"intcom", "off", "# log internal communication data: off/on", "mIsIntCom"},
+    {"info", "off", "# log info data:                   off/on", "mIsInfo"},
+    {"debug", "off", "# log debug data:                  off/on", "mIsDebug"},
+    {"tmp", "off", "# log data of temporal interest:   off/on", "mIsTmp"},
+    {"fileToLog", "", "# name of the exclusively logged file", "mExclFileToLog"},
+};
+
 // Every line to the character: tab, key in 24 columns, "= ", value right-aligned in 50 columns, comment.
-constexpr char kDefaultFile[] =
-    "# Configuration file for Orbikon's Creo Plug-in\n"
-    "\n"
-    "[PROGRAM]\n"
-    "\tname                    =                                         Geiplaigok# program's name\n"
-    "\tversion                 =                                              2.8.6# program's version number\n"
-    "\ttransSensBase           =                                              40000# base sensitivity divisor for "
-    "translation\n"
-    "\trotSensBase             =                                              10000# base sensitivity divisor for "
-    "rotation\n"
-    "\tminThreshold            =                                                  0# minimal threshold (overrides "
-    "setting in control panel)\n"
-    "\tmaxContMoveTime         =                                               5000# maximal time for continuous cap "
-    "movement in milliseconds\n"
-    "\tmaxFrameTime            =                                                100# this parameter is obsolete and "
-    "not longer used\n"
-    "\tblockTransInRotMode     =                                                off# if true translation is blocked "
-    "while Creo is in rotation mode (on/off)\n"
-    "\tscrollTreeAndList       =                                                 on# scroll trees and lists within "
-    "Catia if the mouse is above (on/off)\n"
-    "\treadMode                =                                                off# ask Creo for the mode it is in: "
-    "off/on (on disables the undo stack due to a bug in Creo)\n"
-    "\tmnuLanguage             =                                                   # if set, this string is used for "
-    "finding the compiled resources DLL (e.g. pro_default_xxxxxx_resources.dll)\n"
-    "\tuseMapkeyForCommands    =                                                 on# if set, Orbikon executes Creo "
-    "commands with the help of a Mapkey and dynamic Trail-files, in this way the UNDO Buffer is not cleared\n"
-    "\tmapkeyDefinition        =                                                 ob# key string for the Mapkey, must "
-    "be a-z or 0-9 with a length of max. 2\n"
-    "\n"
-    "[LOGGING]\n"
-    "\tlogFile                 =                                Creo_plugin_log.txt# name of log file\n"
-    "\tmaxSize                 =                                               5000# max. size of log file (kB)\n"
-    "\tlogToFile               =                                                off# log into log file:               "
-    "off/on\n"
-    "\tlogToCnsl               =                                                off# log to console:                  "
-    "off/on\n"
-    "\twarning                 =                                                off# log warnings:                    "
-    "off/on\n"
-    "\tcreation                =                                                off# log creation etc.:               "
-    "off/on\n"
-    "\ttrace                   =                                                off# log trace data:                  "
-    "off/on\n"
-    "\tdevcom                  =                                                off# not used in this plug-in\n"
-    "\tintcom                  =                                                off# log internal communication data: "
-    "off/on\n"
-    "\tinfo                    =                                                off# log info data:                   "
-    "off/on\n"
-    "\tdebug                   =                                                off# log debug data:                  "
-    "off/on\n"
-    "\ttmp                     =                                                off# log data of temporal interest:   "
-    "off/on\n"
-    "\tfileToLog               =                                                   # name of the exclusively logged "
-    "file\n";
+std::string linesOf(const std::vector<Key>& keys) {
+    std::string text;
+    for (const Key& key : keys) {
+        char line[300];
+        std::snprintf(line, sizeof line, "\t%-24s= %50s%s\n", key.name, key.value, key.comment);
+        text += line;
+    }
+    return text;
+}
+const std::string kDefaultFile = "# Configuration file for Orbikon's Creo Plug-in\n\n[PROGRAM]\n" + linesOf(kProgram) +
+                                 "\n[LOGGING]\n" + linesOf(kLogging);
 
-constexpr char kDefaultDump[] =
-    "      (Creo-Plug-in) mName: Geiplaigok\n"
-    "                  mVersion: 2.8.6\n"
-    "              mTraSensBase: 40000\n"
-    "              mRotSensBase: 10000\n"
-    "             mMinThreshold: 0\n"
-    "          mMaxContMoveTime: 5000\n"
-    "             mMaxFrameTime: 100\n"
-    "           mIsTransToBlock: off\n"
-    "        mScrollTreeAndList: on\n"
-    "             mIsModeToRead: off\n"
-    "              mMNULanguage: \n"
-    "     mUseMapkeyForCommands: on\n"
-    "         mMapkeyDefinition: ob\n"
-    "                  mLogPars:\n"
-    "    mSectionName: LOGGING\n";
-
-constexpr char kDefaultLogDump[] =
-    "        mLogFile: Creo_plugin_log.txt\n"
-    "        mMaxSize: 5000\n"
-    "    mIsLogToFile: off\n"
-    "    mIsLogToCnsl: off\n"
-    "      mIsWarning: off\n"
-    "     mIsCreation: off\n"
-    "        mIsTrace: off\n"
-    "       mIsDevCom: off\n"
-    "       mIsIntCom: off\n"
-    "         mIsInfo: off\n"
-    "        mIsDebug: off\n"
-    "          mIsTmp: off\n"
-    "  mExclFileToLog: \n";
+// The labels end in one column in each part.
+std::string dumpOf(const std::vector<Key>& keys, int width) {
+    std::string text;
+    for (const Key& key : keys) {
+        char line[100];
+        std::snprintf(line, sizeof line, "%*s: %s\n", width, key.label, key.value);
+        text += line;
+    }
+    return text;
+}
+const std::string kDefaultDump = dumpOf(kProgram, 26) + "                  mLogPars:\n    mSectionName: LOGGING\n";
+const std::string kDefaultLogDump = dumpOf(kLogging, 16);
 
 class SettingsFile : public testing::Test {
   protected:
@@ -120,27 +106,27 @@ class SettingsFile : public testing::Test {
     ScratchFolder profile;
 };
 
-TEST_F(SettingsFile, DefaultFileToTheByte) {
+TEST_F(SettingsFile, DefaultFileToTheByteReadsBackAsTheDefaults) {
     logEverything();
     const Settings settings;
-    EXPECT_EQ(textOf(path()), kDefaultFile);
+    EXPECT_EQ(bytesOf(path()), inTextMode(kDefaultFile));
+    EXPECT_THAT(kDefaultFile,
+                testing::HasSubstr("\n\tname                    =                                         "
+                                   "Geiplaigok# program's name\n"));
+    EXPECT_THAT(namesIn(settingsFolder()), testing::ElementsAre("Creo_plugin.ini"));
     EXPECT_EQ(settings.settingsDirPath(), settingsFolder());
     EXPECT_EQ(settings.mLogPars.mSettingsDirPath, productFolder());
-    const std::string text = log();
-    for (const char* line : {"| Constructing ...\n", "| Settings file not found - using default values ...\n",
-                             "| Writing new default settings file ...\n", "| Default settings file written.\n"}) {
-        EXPECT_THAT(text, testing::HasSubstr(line));
+    const std::string dump = "| \n" + kDefaultDump + "mSettingsDirPath: " + productFolder() + "\n" + kDefaultLogDump;
+    const std::string first = log();
+    for (const std::string& line : {std::string("| Constructing ...\n"), dump,
+                                    std::string("| Settings file not found - using default values ...\n"),
+                                    std::string("| Writing new default settings file ...\n"),
+                                    std::string("| Default settings file written.\n")}) {
+        EXPECT_THAT(first, testing::HasSubstr(line));
     }
-    EXPECT_THAT(text, testing::HasSubstr("| \n" + std::string(kDefaultDump) + "mSettingsDirPath: " + productFolder() +
-                                         "\n" + kDefaultLogDump));
-}
-
-TEST_F(SettingsFile, DefaultFileReadsBackAsTheDefaults) {
-    { const Settings first; }
-    logEverything();
-    const Settings settings;
-    EXPECT_THAT(log(), testing::HasSubstr("| \n" + std::string(kDefaultDump)));
-    EXPECT_THAT(log(), testing::HasSubstr(kDefaultLogDump));
+    { const Settings second; }
+    EXPECT_THAT(log().substr(first.size()), testing::HasSubstr(dump));
+    EXPECT_THAT(log().substr(first.size()), testing::HasSubstr("| Destructed.\n"));
     EXPECT_THAT(log(), testing::Not(testing::HasSubstr("|ERR|")));
 }
 
@@ -235,14 +221,47 @@ TEST_F(SettingsFile, PlaceThatCannotBeUsed) {
     EXPECT_EQ(bytesOf(blocked), "in the way");
 }
 
-#ifdef __linux__
-TEST_F(SettingsFile, FullDiskIsReported) {
-    logEverything();
-    const Settings settings;
-    settings.writeSettingsFile("/dev/full");
-    EXPECT_THAT(log(), testing::HasSubstr("| Writing default settings file '/dev/full' failed!\n"));
+#ifndef _WIN32
+TEST_F(SettingsFile, FullDiskLeavesNoFile) {
+    for (const rlim_t size : {rlim_t{0}, rlim_t{1000}, kDefaultFile.size() - 1}) {
+        {
+            const FullDisk full(size);
+            const Settings settings;
+            EXPECT_EQ(settings.mTraSensBase, 40000);
+        }
+        EXPECT_THAT(namesIn(settingsFolder()), testing::IsEmpty()) << size;
+    }
+    {
+        const FullDisk full(kDefaultFile.size());
+        const Settings settings;
+    }
+    EXPECT_EQ(bytesOf(path()), kDefaultFile);
 }
 #endif
+
+TEST_F(SettingsFile, AppearsWholeOrNotAtAllAndStaysWhateverFails) {
+    for (const bool isThere : {false, true}) {
+        bool areDefaults = true;
+        const auto construct = [&] {
+            const Settings settings;
+            areDefaults = settings.mTraSensBase == 40000 && settings.mMapkeyDefinition == "ob" &&
+                          settings.mLogPars.mLogFile == "Creo_plugin_log.txt" && settings.mLogPars.mMaxSize == 5000;
+        };
+        construct();
+        const auto check = [&](const std::string& which) -> std::string {
+            const std::string whole = inTextMode(kDefaultFile);
+            const bool mayBeMissing = !isThere && !std::filesystem::exists(path());
+            if (!mayBeMissing && bytesOf(path()) != whole) return "file";
+            if (!areDefaults) return "values";
+            construct();
+            if (bytesOf(path()) != whole) return "next file";
+            if (namesIn(settingsFolder()).size() != 1 && which != "remove 1") return "rest";
+            if (!isThere) std::filesystem::remove_all(settingsFolder());
+            return "";
+        };
+        EXPECT_THAT(substitute::failEachCall(construct, check), testing::IsEmpty());
+    }
+}
 
 TEST_F(SettingsFile, ProfileNamedInTheProcessCodePage) {
     const std::string place = profile.file("J\xf6rg");

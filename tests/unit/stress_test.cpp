@@ -34,7 +34,7 @@ TEST_F(Stress, EverythingAtOnce) {
     });
     std::thread daemonLife([&] {  // reconnects as the watchdog does, more often
         while (isRunning) {
-            if (!addin->mDaemonProxyP->checkConnection()) addin->mDaemonProxyP->connect();
+            if (!daemon().checkConnection()) daemon().connect();
             std::this_thread::yield();
         }
     });

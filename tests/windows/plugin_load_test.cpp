@@ -3,11 +3,10 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <vector>
 
 #include "driver/obk_ctrlr.h"
+#include "tests/unit/scratch.h"
 #include "tests/windows/process_state.h"
 
 namespace {
@@ -57,38 +56,30 @@ class ModuleImage {
 
 class PluginLoad : public ::testing::Test {
   protected:
-    void SetUp() override {
-        mPath = programFolder() + "\\" + PLUGIN_FROM_TESTS;
-        mProfile = programFolder() + "\\profile_" + std::to_string(GetCurrentProcessId());
-        const std::string folder = mProfile + "\\OrbikonController\\Applications";
-        for (auto end = folder.find('\\', mProfile.size()); end != std::string::npos;
-             end = folder.find('\\', end + 1)) {
-            CreateDirectoryA(folder.substr(0, end).c_str(), nullptr);
-        }
-        CreateDirectoryA(folder.c_str(), nullptr);
-        // Everything is logged, so that the threads are inside the log as often as can be.
-        std::ofstream(folder + "\\Creo_plugin.ini")
-            << "[PROGRAM]\n\ttransSensBase = 40000\n\trotSensBase = 10000\n\tmaxContMoveTime = "
-               "100\n\tuseMapkeyForCommands = on\n"
-            << "\n[LOGGING]\n\tlogFile = log.txt\n\tmaxSize = 100\n\tlogToFile = on\n\twarning = on\n"
-            << "\tcreation = on\n\ttrace = on\n\tinfo = on\n\tdebug = on\n\ttmp = on\n\tfileToLog =\n";
-        SetEnvironmentVariableA("USERPROFILE", mProfile.c_str());
-        _putenv_s("USERPROFILE", mProfile.c_str());
+    PluginLoad() {
+        std::filesystem::create_directories(mProfile.file("OrbikonController\\Applications"));
+        writeSettings("log.txt");
+        setVariable("USERPROFILE", mProfile.path().c_str());
     }
 
-    std::string log() const {
-        std::ostringstream text;
-        text << std::ifstream(mProfile + "\\OrbikonController\\log.txt").rdbuf();
-        return text.str();
+    // Everything is logged, so that the threads are inside the log as often as can be.
+    void writeSettings(const std::string& logFile) const {
+        writeFile(mProfile.file("OrbikonController\\Applications\\Creo_plugin.ini"),
+                  "[PROGRAM]\n\ttransSensBase = 40000\n\trotSensBase = 10000\n\tmaxContMoveTime = 100\n"
+                  "\tuseMapkeyForCommands = on\n\n[LOGGING]\n\tlogFile = " +
+                      logFile +
+                      "\n\tmaxSize = 100\n\tlogToFile = on\n\twarning = on\n\tcreation = on\n\ttrace = on\n"
+                      "\tinfo = on\n\tdebug = on\n\ttmp = on\n\tfileToLog =\n");
     }
+    std::string log() const { return textOf(mProfile.file("OrbikonController\\log.txt")); }
 
     template <typename Function>
     static Function* find(HMODULE module, const char* name) {
         return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
     }
 
-    std::string mPath;
-    std::string mProfile;
+    const std::string mPath = programFolder() + "\\" + PLUGIN_FROM_TESTS;
+    const ScratchFolder mProfile;
 };
 
 TEST_F(PluginLoad, ExportsTwoFunctionsAndImportsOnlyWhatEveryWindowsHas) {
@@ -144,9 +135,58 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
     }
 }
 
-TEST_F(PluginLoad, ProcessEndsWithoutTerminate) {
-    for (int round = 0; round < 3; ++round) {
-        std::string command = "\"" + programFolder() + "\\exit_without_terminate.exe\" \"" + mPath + "\"";
+// Reads that fail are paced, also those that bring an event, and every event comes. One that does not come back is left
+// behind after ten seconds, and harms nobody when it comes after all.
+TEST_F(PluginLoad, StandsADriverInTrouble) {
+    constexpr int kReads = 20;
+    constexpr ULONGLONG kLeastPauseMs = 9;  // the system's clock ticks that coarsely
+    std::filesystem::copy_file(mPath, mProfile.file("plugin.dll"));
+    std::filesystem::copy_file(programFolder() + "\\troubled_driver.dll", mProfile.file(kDriverLibrary));
+    const HWND window =
+        CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    const HMODULE plugin = LoadLibraryA(mProfile.file("plugin.dll").c_str());
+    ASSERT_NE(plugin, nullptr) << GetLastError();
+    EXPECT_EQ(find<int()>(plugin, "user_initialize")(), 0);
+    const HMODULE driver = GetModuleHandleA(kDriverLibrary);
+    ASSERT_NE(driver, nullptr);
+    auto* reads = find<int()>(driver, "readsSoFar");
+    const auto waitFor = [&](int count) {  // as the host does, for the timer
+        const ULONGLONG end = GetTickCount64() + 60000;
+        for (MSG message; reads() < count && GetTickCount64() < end; Sleep(1)) {
+            while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+        }
+        return reads() >= count;
+    };
+    ASSERT_TRUE(waitFor(1));
+    const ULONGLONG begin = GetTickCount64();
+    ASSERT_TRUE(waitFor(1 + kReads));
+    EXPECT_GE(GetTickCount64() - begin, (kReads - 1) * kLeastPauseMs);
+
+    find<void(bool)>(driver, "hangReads")(true);
+    const int last = reads();
+    const ULONGLONG beginOfEnd = GetTickCount64();
+    find<void()>(plugin, "user_terminate")();
+    EXPECT_GE(GetTickCount64() - beginOfEnd, 9900u);
+    const std::string contents = log();
+    for (int event = 0; event < last; ++event) {
+        EXPECT_NE(contents.find("event: " + std::to_string(event) + ","), std::string::npos);
+    }
+    EXPECT_NE(contents.find("The driver library does not come back: the reading thread is left behind!"),
+              std::string::npos);
+    const int threads = countThreads(GetCurrentProcessId());
+    find<void(bool)>(driver, "hangReads")(false);
+    for (int i = 0; i < 1000 && countThreads(GetCurrentProcessId()) == threads; ++i) Sleep(10);
+    EXPECT_LT(countThreads(GetCurrentProcessId()), threads);
+    EXPECT_EQ(log(), contents);
+    FreeLibrary(plugin);
+    DestroyWindow(window);
+}
+
+TEST_F(PluginLoad, ProcessEndsInEveryState) {
+    const std::string pipe = "\\\\.\\pipe\\orbikon_log_" + std::to_string(processId());
+    for (const std::string& end : {std::string("running"), std::string("terminated"), pipe}) {
+        writeSettings(end == pipe ? pipe : "log.txt");
+        std::string command = "\"" + programFolder() + "\\exit_without_terminate.exe\" \"" + mPath + "\" " + end;
         STARTUPINFOA startup{};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION process{};
@@ -158,8 +198,10 @@ TEST_F(PluginLoad, ProcessEndsWithoutTerminate) {
         if (waited != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 1);
         CloseHandle(process.hThread);
         CloseHandle(process.hProcess);
-        ASSERT_EQ(waited, WAIT_OBJECT_0) << "hangs at its end";
-        EXPECT_EQ(code, 42u);
+        ASSERT_EQ(waited, WAIT_OBJECT_0) << end << ": hangs at its end";
+        EXPECT_EQ(code, 42u) << end;
+        if (end == pipe) continue;
+        EXPECT_EQ(log().ends_with("| Logging::~Logging(): destructing ...\n"), end == "terminated") << end;
     }
 }
 

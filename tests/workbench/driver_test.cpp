@@ -262,7 +262,7 @@ TEST(Driver, FailsAsTheDaemonIsTold) {
     };
     for (const auto& [name, call] : calls) {
         SCOPED_TRACE(name);
-        bench.bench.daemon("fail " + std::string(name) + " 2");
+        bench.bench.daemon("fail " + std::string(name) + " 1-2");
         const int statuses[] = {call(), call(), call()};
         EXPECT_EQ(statuses[0], -1);
         EXPECT_EQ(statuses[1], -1);
@@ -271,11 +271,33 @@ TEST(Driver, FailsAsTheDaemonIsTold) {
     bench.bench.daemon("fail obDisconnect 1");
     EXPECT_NE(bench.library.disconnect(), 0);
     EXPECT_NE(bench.library.getDevNum(value), 0) << "disconnected all the same";
-    bench.bench.daemon("fail obConnect -1");
+    bench.bench.daemon("fail obConnect always");
     for (int i = 0; i < 3; ++i) EXPECT_NE(bench.library.connect(), 0);
-    bench.bench.daemon("fail obConnect 0");
+    bench.bench.daemon("fail obConnect never");
     ASSERT_EQ(bench.library.connect(), 0);
     EXPECT_EQ(bench.library.disconnect(), 0);
+}
+
+// The library itself hangs, or dispatches its caller's messages, whatever becomes of the daemon.
+TEST(Driver, HangsAndPumpsAsTheDaemonIsTold) {
+    DriverBench bench;
+    bench.bench.startDaemon();
+    ASSERT_EQ(bench.library.connect(), 0);
+    constexpr ULONGLONG kLeastMs = 250;  // clock and pause are not that exact
+    bench.bench.daemon("hang obGetDevNum 300 2");
+    bench.bench.daemon("pump obGetDevNum 3");
+    std::int32_t count = 0;
+    for (const int call : {1, 2, 3}) {
+        PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0);
+        const ULONGLONG start = GetTickCount64();
+        EXPECT_EQ(bench.library.getDevNum(count), 0);
+        EXPECT_EQ(count, 1);
+        if (call == 2) {
+            EXPECT_GE(GetTickCount64() - start, kLeastMs);
+        }
+        MSG message;
+        EXPECT_EQ(PeekMessageW(&message, nullptr, WM_APP, WM_APP, PM_REMOVE) == 0, call == 3) << "dispatched";
+    }
 }
 
 TEST(Driver, UnloadsAndLoadsAgain) {

@@ -47,7 +47,7 @@ std::size_t countOf(const seat::PeFile& library, ResourceKind kind) {
 // Reads a library; what is wrong with it is told.
 std::optional<seat::PeFile> readLibrary(const fs::path& file, Findings& findings) {
     const FileBytes content = seat::readFile(file);
-    const auto library = content.isRead() ? seat::readPeFile(content.bytes) : std::nullopt;
+    auto library = content.isRead() ? seat::readPeFile(content.bytes) : std::nullopt;
     findings.tell("resources.libraries", library.has_value(),
                   textOf(file) + (!content.isRead() ? ": " + content.problem
                                   : !library        ? " is no Windows library, or damaged"

@@ -14,7 +14,6 @@ namespace fs = std::filesystem;
 
 using seat::FileBytes;
 using seat::MessageProblem;
-using seat::PeFile;
 using seat::textOf;
 
 namespace {

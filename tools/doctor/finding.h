@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "common_sources/settings_check.h"
+
 namespace doctor {
 
 enum class Status { ok, warning, error };
@@ -62,20 +64,18 @@ inline constexpr Check kChecks[] = {
 
     {"settings.file", Status::warning, "start Creo with the plug-in, which writes the file, or let --fix do it"},
     {"settings.readable", Status::error, "close the program that holds the file, and check the rights on it"},
-    {"settings.encoding", Status::error, "save the file as ANSI text, or delete it: the plug-in then writes a new one"},
-    {"settings.empty", Status::error, "delete the file: the plug-in then writes a new one"},
-    {"settings.missing-section", Status::error,
-     "write the section's header exactly so, or delete the file: the plug-in then writes a new one"},
-    {"settings.missing-key", Status::error, "add the key, or let --fix add it with its default"},
-    {"settings.behind-end", Status::error,
-     "a section ends at its first line without a key: remove the empty line, header or indented comment above the key"},
-    {"settings.unknown-key", Status::error, "correct the key's name, letter case counts, or remove the line"},
-    {"settings.repeated-key", Status::warning, "keep one of the lines"},
-    {"settings.switch", Status::warning, "write exactly \"on\" or \"off\", in small letters"},
-    {"settings.number", Status::warning, "write a whole number, without unit, point or comma"},
-    {"settings.cap-dead", Status::error, "set maxContMoveTime to a number above 0; its default is 5000"},
-    {"settings.translation", Status::error, "set transSensBase to 500 or more; its default is 40000"},
-    {"settings.rotation", Status::error, "set rotSensBase to another number than 0; its default is 10000"},
+    {"settings.encoding", Status::error, settingsRemedy(SettingsProblem::notText)},
+    {"settings.empty", Status::error, settingsRemedy(SettingsProblem::empty)},
+    {"settings.missing-section", Status::error, settingsRemedy(SettingsProblem::missingSection)},
+    {"settings.missing-key", Status::error, settingsRemedy(SettingsProblem::missingKey)},
+    {"settings.behind-end", Status::error, settingsRemedy(SettingsProblem::behindEnd)},
+    {"settings.unknown-key", Status::error, settingsRemedy(SettingsProblem::unknownKey)},
+    {"settings.repeated-key", Status::warning, settingsRemedy(SettingsProblem::repeatedKey)},
+    {"settings.switch", Status::warning, settingsRemedy(SettingsProblem::switchValue)},
+    {"settings.number", Status::warning, settingsRemedy(SettingsProblem::numberValue)},
+    {"settings.cap-dead", Status::error, settingsRemedy(SettingsProblem::capDead)},
+    {"settings.translation", Status::error, settingsRemedy(SettingsProblem::noTranslation)},
+    {"settings.rotation", Status::error, settingsRemedy(SettingsProblem::noRotation)},
     {"settings.writable", Status::warning, "give the user the right to write there, and remove the read-only mark"},
 
     {"log.output", Status::warning,

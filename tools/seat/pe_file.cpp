@@ -92,7 +92,7 @@ class Reader {
 
     std::uint32_t directory(Directory which) const {
         const std::uint32_t count = u32(mDirectories - 4);
-        return which < count ? u32(mDirectories + which * 8) : 0;
+        return which < count ? u32(mDirectories + std::uint64_t{which} * 8) : 0;
     }
 
     void readExports(PeFile& file) const {
@@ -142,7 +142,7 @@ class Reader {
     // A counted text of UTF-16; what is no ASCII shows as '?'.
     std::string wideName(std::uint64_t offset) const {
         std::string name;
-        const std::string_view text = at(offset + 2, std::min<std::uint32_t>(u16(offset), kMaxName) * 2);
+        const std::string_view text = at(offset + 2, std::uint64_t{std::min<std::uint32_t>(u16(offset), kMaxName)} * 2);
         for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
             name += text[i + 1] == 0 && text[i] > 0 ? text[i] : '?';
         }

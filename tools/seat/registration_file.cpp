@@ -118,7 +118,14 @@ void RegistrationFile::set(const ApplicationId& id, const RegistrationFields& fi
     parse();
 }
 
+// What follows a removed entry may end an unfinished one in front of it, which then is the application's, too.
 bool RegistrationFile::remove(const ApplicationId& id) {
+    bool isAnyRemoved = false;
+    while (removeOnce(id)) isAnyRemoved = true;
+    return isAnyRemoved;
+}
+
+bool RegistrationFile::removeOnce(const ApplicationId& id) {
     std::string kept = mBytes.substr(0, mLines.empty() ? mBytes.size() : mLines.front().begin);
     bool isAnyRemoved = false;
     for (const Line& line : mLines) {

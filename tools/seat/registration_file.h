@@ -73,6 +73,7 @@ class RegistrationFile {
     std::size_t placeForAnother() const;
     std::size_t placeInFrontOfOpenOnes(std::size_t entry) const;
     std::string textOf(const RegistrationFields& fields) const;
+    bool removeOnce(const ApplicationId& id);
 
     std::string mBytes;
     std::vector<Line> mLines;                 // all of them, in order

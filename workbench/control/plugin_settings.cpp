@@ -46,4 +46,17 @@ std::string settingsText(const std::map<std::string, std::string>& changes) {
     return text;
 }
 
+std::string menuText(const std::vector<std::string>& commands) {
+    std::string text = "# PTC Creo menubar file\n \n[Modes]\n";
+    int number = 0;
+    for (const char* mode : {"Sketcher", "Part", "Sheet_Metal", "Composite", "Scan_Model", "Assembly", "Drawing"}) {
+        text += std::string(mode) + "   = " + std::to_string(++number) + "\n";
+    }
+    text +=
+        " \n[MenuBar]\n0Orbikon   = {}\n1Toggle Scroll Mode   = {}OB_Toggle_Scroll_Mode|help\n"
+        "1Toggle Move Mode   = {+ 6}OB_Toggle_Object_Move_Mode|help\n0View   = {}\n";
+    for (const auto& command : commands) text += "Label of " + command + "   = {}" + command + "|help\n";
+    return text + " ";
+}
+
 }  // namespace workbench

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "workbench/daemon/numbers.h"
+#include "workbench/pipes/numbers.h"
 
 namespace workbench {
 namespace {

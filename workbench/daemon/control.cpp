@@ -5,13 +5,11 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "workbench/daemon/numbers.h"
+#include "workbench/pipes/numbers.h"
 
 namespace workbench {
 namespace {
 
-constexpr int kMaxDevices = 16;
-constexpr int kMaxFailures = 1000000;
 constexpr UINT kExitDied = 3;
 
 Reply done(std::vector<std::string> lines = {}) { return {.isOk = true, .error = {}, .lines = std::move(lines)}; }
@@ -43,10 +41,9 @@ std::vector<std::string> splitWords(const std::string& line) {
     return words;
 }
 
-Operation operationNamed(const std::string& name) {
-    const auto found = std::ranges::find(kOperationNames, name);
-    if (found == kOperationNames.end()) throw std::runtime_error('"' + name + "\" is not an operation");
-    return static_cast<Operation>(found - kOperationNames.begin());
+void requireOperation(const std::string& name) {
+    if (std::ranges::find(kOperationNames, name) != kOperationNames.end()) return;
+    throw std::runtime_error('"' + name + "\" is not an operation");
 }
 
 bool isChoice(const std::string& word, std::string_view yes, std::string_view no) {
@@ -80,8 +77,12 @@ const Control::Command Control::kCommands[] = {
     {"settings", "ROTATIONMODE FLAG", "changes the advanced settings and says so", 2, 2, &Control::settings},
     {"legacy", "0|1", "sets LegacyCOM1", 1, 1, &Control::legacy},
     {"legacy-read", "", "answers the axes as the legacy channel carries them", 0, 0, &Control::legacyRead},
-    {"devices", "N", "sets the number of attached devices", 1, 1, &Control::devices},
-    {"fail", "OPERATION COUNT", "makes the next calls fail (-1 = all, 0 = none)", 2, 2, &Control::fail},
+    {"devices", "N", "sets the number of attached devices, however absurd", 1, 1, &Control::devices},
+    {"fail", "OPERATION WHICH", "makes calls fail: 3 (the third), 2-5, always, never", 2, 2, &Control::fault},
+    {"hang", "OPERATION MS [WHICH]", "makes calls hang in the library before they return", 2, 3, &Control::fault},
+    {"pump", "OPERATION [WHICH]", "makes calls dispatch messages before they return", 1, 2, &Control::fault},
+    {"chaos", "SEED [PER_MILLE] | off", "makes calls fail, hang or pump at random", 1, 2, &Control::fault},
+    {"calm", "", "ends fail, hang, pump and chaos", 0, 0, &Control::fault},
     {"hold", "on|off", "makes reads hang until released or disconnected", 1, 1, &Control::hold},
     {"status", "", "answers the state as lines key=value", 0, 0, &Control::status},
     {"modes", "", "answers all modes told, as lines application|mode", 0, 0, &Control::modes},
@@ -105,7 +106,7 @@ Reply Control::run(const std::string& line) try {
 }
 
 std::vector<std::string> Control::help() {
-    constexpr std::size_t kColumn = 30;
+    constexpr std::size_t kColumn = 31;
     std::vector<std::string> lines;
     for (const Command& command : kCommands) {
         std::string line = std::string(command.name) + ' ' + std::string(command.usage);
@@ -156,19 +157,20 @@ Reply Control::settings(const Words& words) {
 }
 
 Reply Control::legacy(const Words& words) {
-    mDevice.setLegacy(number(words[1], 0, 1));
+    mDevice.setOwnLegacy(number(words[1], 0, 1));
     return done();
 }
 
 Reply Control::legacyRead(const Words&) { return done({axesLine(mDevice.legacyAxes())}); }
 
 Reply Control::devices(const Words& words) {
-    mDevice.setDeviceCount(number(words[1], 0, kMaxDevices));
+    mDevice.setDeviceCount(parseNumber<std::int32_t>(words[1]));
     return done();
 }
 
-Reply Control::fail(const Words& words) {
-    mDevice.failCalls(operationNamed(words[1]), number(words[2], -1, kMaxFailures));
+Reply Control::fault(const Words& words) {
+    if (words[0] != "chaos" && words[0] != "calm") requireOperation(words[1]);
+    mDevice.setFaults(words[0], {words.begin() + 1, words.end()});
     return done();
 }
 

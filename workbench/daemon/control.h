@@ -37,7 +37,7 @@ class Control {
     Reply legacy(const Words& words);
     Reply legacyRead(const Words& words);
     Reply devices(const Words& words);
-    Reply fail(const Words& words);
+    Reply fault(const Words& words);
     Reply hold(const Words& words);
     Reply status(const Words& words);
     Reply modes(const Words& words);

@@ -4,7 +4,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "workbench/daemon/numbers.h"
+#include "workbench/pipes/numbers.h"
 
 namespace workbench {
 namespace {
@@ -89,24 +89,32 @@ std::string setAppMode(Device& device, const Arguments& arguments) {
 
 struct Service {
     std::size_t argumentCount;
-    bool hasSession;  // the first argument is the session's number
-    bool isCounted;   // here, and not by the device
+    bool hasSession;   // the first argument is the session's number
+    bool isReleasing;  // done also when it is told to fail: a caller that is told so can do no more about it
     std::string (*run)(Device&, const Arguments&);
 };
 
 // In the order of kOperationNames.
 constexpr std::array<Service, kOperationNames.size()> kServices = {{
-    {3, false, true, connect},
+    {3, false, false, connect},
     {1, true, true, disconnect},
     {2, true, false, readDeviceData},
-    {2, true, true, getAdvancedSettings},
-    {2, true, true, getOption},
-    {2, true, true, getDevInfo},
-    {1, true, true, getDevNum},
-    {3, true, true, setOption},
-    {13, false, true, setDllLogFlags},
-    {3, true, true, setAppMode},
+    {2, true, false, getAdvancedSettings},
+    {2, true, false, getOption},
+    {2, true, false, getDevInfo},
+    {1, true, false, getDevNum},
+    {3, true, false, setOption},
+    {13, false, false, setDllLogFlags},
+    {3, true, false, setAppMode},
 }};
+
+// What the library is to suffer before the operation returns.
+Fields sufferings(const CallFault& fault) {
+    Fields lines;
+    if (fault.hangMs > 0) lines.push_back(std::string(kHang) + std::to_string(fault.hangMs));
+    if (fault.isPumping) lines.emplace_back(kPump);
+    return lines;
+}
 
 }  // namespace
 
@@ -119,10 +127,13 @@ Reply answerDriver(Device& device, const std::string& request) {
     const Arguments arguments(std::move(fields));
     if (arguments.count() != service.argumentCount) throw std::runtime_error("wrong number of arguments");
     if (service.hasSession) device.requireSession(arguments.number(0));
-    if (service.isCounted) device.countCall(static_cast<Operation>(index));
+    const CallFault fault = device.countCall(static_cast<Operation>(index));
 
+    Reply reply{.isOk = !fault.code, .error = fault.code ? "told to fail" : "", .lines = sufferings(fault)};
+    if (fault.code && !service.isReleasing) return reply;
     const std::string line = service.run(device, arguments);
-    return {.isOk = true, .error = {}, .lines = line.empty() ? Fields{} : Fields{line}};
+    if (reply.isOk && !line.empty()) reply.lines.push_back(line);
+    return reply;
 }
 
 }  // namespace workbench

@@ -11,7 +11,7 @@ namespace {
 constexpr std::chrono::milliseconds kMotionInterval{10};
 constexpr char kDeviceName[] = "OrbikonController Pro";
 
-constexpr std::size_t indexOf(Operation operation) { return static_cast<std::size_t>(operation); }
+std::string nameOf(Operation operation) { return std::string(kOperationNames[static_cast<std::size_t>(operation)]); }
 
 bool isDeflected(const Axes& axes) { return axes != Axes{}; }
 
@@ -48,7 +48,6 @@ Reading Device::read(int session) {
     const auto deadline = Clock::now() + std::chrono::milliseconds(kReadWaitMs);
     // The session is looked up anew after each wait: it may have ended meanwhile.
     auto found = findSession(session);
-    if (!mIsHeld) count(Operation::readDeviceData);
     while (Clock::now() < deadline && (mIsHeld || !hasData(found->second))) {
         const bool isMoving = !mIsHeld && isDeflected(mAxes);
         mChanged.wait_until(lock, isMoving ? std::min(deadline, found->second.nextMotion) : deadline);
@@ -90,6 +89,11 @@ void Device::setLegacy(std::int32_t value) {
     mLegacy = value;
 }
 
+void Device::setOwnLegacy(std::int32_t value) {
+    const std::lock_guard lock(mMutex);
+    mLegacy = mLegacyOwn = value;
+}
+
 void Device::setDllLog(const std::string& flags) {
     const std::lock_guard lock(mMutex);
     mDllLog = flags;
@@ -100,17 +104,22 @@ void Device::reportMode(const ModeReport& report) {
     mModes.push_back(report);
 }
 
-void Device::countCall(Operation operation) {
+CallFault Device::countCall(Operation operation) {
     const std::lock_guard lock(mMutex);
-    count(operation);
+    if (operation == Operation::readDeviceData && mIsHeld) return {};
+    return mFaults.enter(nameOf(operation));
 }
 
-void Device::count(Operation operation) {
-    ++mCalls[indexOf(operation)];
-    int& failures = mFailures[indexOf(operation)];
-    if (failures == 0) return;
-    if (failures > 0) --failures;
-    throw std::runtime_error("told to fail");
+int Device::callsOf(Operation operation) const { return mFaults.callsOf(nameOf(operation)); }
+
+// Operations whose latest calls were made to fail, as "name:count".
+std::string Device::refusedCalls() const {
+    Fields refused;
+    for (const std::string& name : mFaults.names()) {
+        const int count = mFaults.refusedInRow(name);
+        if (count > 0) refused.push_back(name + ':' + std::to_string(count));
+    }
+    return joinFields(refused, ' ');
 }
 
 void Device::setAxes(const Axes& axes) {
@@ -142,9 +151,9 @@ void Device::setDeviceCount(int count) {
     mDeviceCount = count;
 }
 
-void Device::failCalls(Operation operation, int count) {
+void Device::setFaults(const std::string& verb, const Faults::Words& words) {
     const std::lock_guard lock(mMutex);
-    mFailures[indexOf(operation)] = count;
+    mFaults.request(verb, words);
 }
 
 void Device::setHold(bool isHeld) {
@@ -199,10 +208,11 @@ std::vector<std::string> Device::status() {
         {"mode", mModes.empty() ? std::string() : mModes.back().mode},
         {"modes_told", std::to_string(mModes.size())},
         {"legacy", std::to_string(mLegacy)},
-        {"legacy_sets", std::to_string(mCalls[indexOf(Operation::setOption)])},
+        {"legacy_own", std::to_string(mLegacyOwn)},
+        {"legacy_sets", std::to_string(callsOf(Operation::setOption))},
         {"connects", std::to_string(mConnects)},
         {"clients", std::to_string(mSessions.size())},
-        {"reads", std::to_string(mCalls[indexOf(Operation::readDeviceData)])},
+        {"reads", std::to_string(callsOf(Operation::readDeviceData))},
         {"events_pending", std::to_string(pending)},
         {"dll_log", mDllLog},
         {"axes", joinNumbers(mAxes)},
@@ -211,6 +221,7 @@ std::vector<std::string> Device::status() {
         {"rotation_mode", std::to_string(mSettings.rotationMode)},
         {"context_flag", std::to_string(mSettings.contextFlag)},
         {"hold", mIsHeld ? "on" : "off"},
+        {"refused", refusedCalls()},
     };
     std::vector<std::string> lines;
     for (const auto& [key, value] : entries) lines.push_back(std::string(key) + '=' + value);

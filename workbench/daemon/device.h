@@ -15,6 +15,7 @@
 
 #include "driver/obk_ctrlr.h"
 #include "workbench/driver/protocol.h"
+#include "workbench/faults/faults.h"
 #include "workbench/pipes/overlapped.h"
 
 namespace workbench {
@@ -59,11 +60,12 @@ class Device {
     Reading read(int session);
     void requireSession(int session);
     std::string deviceName(int index);
-    void setLegacy(std::int32_t value);  // LegacyCOM1: whether the host's own device support gets the motion
+    void setLegacy(std::int32_t value);     // LegacyCOM1: whether the host's own device support gets the motion
+    void setOwnLegacy(std::int32_t value);  // the same, by whoever owns the device
     void setDllLog(const std::string& flags);
     void reportMode(const ModeReport& report);
-    // Counts a call of the operation (read does so itself); throws when it was told to fail.
-    void countCall(Operation operation);
+    // Counts a call of the operation, and answers what it is to suffer. Reads that are held do not count.
+    CallFault countCall(Operation operation);
 
     // ---- for the control commands ----
 
@@ -72,8 +74,8 @@ class Device {
     void pushEvent(const Event& event);  // to all connected applications; throws when there is none
     void setAdvancedSettings(const AdvancedSettings& settings);
     void setDeviceCount(int count);
-    void failCalls(Operation operation, int count);  // the next `count`, -1 = all until it is set to 0
-    void setHold(bool isHeld);                       // reads hang until released or disconnected
+    void setFaults(const std::string& verb, const Faults::Words& words);  // see Faults::request
+    void setHold(bool isHeld);                                            // reads hang until released or disconnected
 
     // ---- for both ----
 
@@ -101,7 +103,8 @@ class Device {
     // All of these expect mMutex to be held.
     Sessions::iterator findSession(int session);
     bool hasData(const Session& session) const;
-    void count(Operation operation);
+    int callsOf(Operation operation) const;
+    std::string refusedCalls() const;
     void forgetEnded();
     void queueEvent(const Event& event);
 
@@ -114,13 +117,13 @@ class Device {
     Extras mExtras{};
     AdvancedSettings mSettings;
     std::int32_t mLegacy = 1;
+    std::int32_t mLegacyOwn = 1;  // what it is without applications
     int mDeviceCount = 1;
     bool mIsHeld = false;
     int mConnects = 0;
     std::string mDllLog;
     std::vector<ModeReport> mModes;
-    std::array<int, kOperationNames.size()> mFailures{};
-    std::array<int, kOperationNames.size()> mCalls{};
+    Faults mFaults;
 };
 
 }  // namespace workbench

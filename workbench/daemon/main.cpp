@@ -10,8 +10,8 @@
 
 #include "workbench/daemon/control.h"
 #include "workbench/daemon/data_service.h"
-#include "workbench/daemon/numbers.h"
 #include "workbench/daemon/script.h"
+#include "workbench/pipes/numbers.h"
 
 namespace {
 

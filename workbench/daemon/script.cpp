@@ -6,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "workbench/daemon/numbers.h"
+#include "workbench/pipes/numbers.h"
 
 namespace workbench {
 namespace {

@@ -16,6 +16,33 @@ std::string request(Operation operation, const Fields& arguments) {
     return joinFields(fields);
 }
 
+void dispatchMessages() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+// Suffers what the daemon has put before an answer. To be called without a lock of the commands: other threads'
+// operations go on.
+Reply suffered(Reply reply) {
+    while (!reply.lines.empty() && reply.lines.front().starts_with('!')) {
+        const std::string line = reply.lines.front();
+        reply.lines.erase(reply.lines.begin());
+        if (line == kPump) dispatchMessages();
+        if (!line.starts_with(kHang)) continue;
+        DWORD ms = 0;
+        std::from_chars(line.data() + kHang.size(), line.data() + line.size(), ms);
+        Sleep(ms);
+    }
+    return reply;
+}
+
 std::optional<Fields> fieldsOf(const Reply& reply) {
     if (!reply.isOk) return std::nullopt;
     return reply.lines.empty() ? Fields{} : splitFields(reply.lines.front());
@@ -24,38 +51,49 @@ std::optional<Fields> fieldsOf(const Reply& reply) {
 }  // namespace
 
 bool Connection::connect(int device, const std::string& application) {
+    return suffered(begin(device, application)).isOk;
+}
+
+Reply Connection::begin(int device, const std::string& application) {
     const std::lock_guard lock(mCommandLock);
     if (const int old = mSession.exchange(kNoSession); old != kNoSession) ask(Operation::disconnect, old, {});
     // Always anew: the pipe that is open may lead to a daemon that was ended since.
-    if (!mCommands.open(pipeName(kDataRole), kOpenMs)) return false;
+    if (!mCommands.open(pipeName(kDataRole), kOpenMs)) return {};
 
     const Fields arguments{std::to_string(GetCurrentProcessId()), std::to_string(device), application};
-    const Reply reply = mCommands.ask(request(Operation::connect, arguments), kAnswerMs);
-    if (!reply.isOk || reply.lines.empty()) return false;
-    const std::string& text = reply.lines.front();
+    Reply reply = mCommands.ask(request(Operation::connect, arguments), kAnswerMs);
+    if (!reply.isOk || reply.lines.empty()) return reply;
+    const std::string& text = reply.lines.back();
     int session = kNoSession;
     std::from_chars(text.data(), text.data() + text.size(), session);
-    if (session == kNoSession) return false;
-    if (mLogFlags) mCommands.ask(request(Operation::setDllLogFlags, *mLogFlags), kAnswerMs);
+    reply.isOk = session != kNoSession;
+    if (reply.isOk && mLogFlags) mCommands.ask(request(Operation::setDllLogFlags, *mLogFlags), kAnswerMs);
     mSession = session;
-    return true;
+    return reply;
 }
 
 bool Connection::disconnect() {
     // Reset before the lock: a read that is between two waits must see it, whatever the daemon does.
     const int session = mSession.exchange(kNoSession);
     if (session == kNoSession) return false;
-    const std::lock_guard lock(mCommandLock);
-    const bool isDone = ask(Operation::disconnect, session, {}).isOk;
-    mCommands.close();
-    return isDone;
+    Reply reply;
+    {
+        const std::lock_guard lock(mCommandLock);
+        reply = ask(Operation::disconnect, session, {});
+        mCommands.close();
+    }
+    return suffered(std::move(reply)).isOk;
 }
 
 std::optional<Fields> Connection::command(Operation operation, const Fields& arguments) {
-    const std::lock_guard lock(mCommandLock);
-    const int session = mSession;
-    if (session == kNoSession) return std::nullopt;
-    return fieldsOf(ask(operation, session, arguments));
+    Reply reply;
+    {
+        const std::lock_guard lock(mCommandLock);
+        const int session = mSession;
+        if (session == kNoSession) return std::nullopt;
+        reply = ask(operation, session, arguments);
+    }
+    return fieldsOf(suffered(std::move(reply)));
 }
 
 std::optional<Fields> Connection::read(int device) {
@@ -70,8 +108,9 @@ std::optional<Fields> Connection::read(int device) {
             lose(session);
             return std::nullopt;
         }
-        const Reply reply = mReads.ask(text, kReadWaitMs + kAnswerMs);
+        Reply reply = mReads.ask(text, kReadWaitMs + kAnswerMs);
         if (!mReads.isOpen()) lose(session);
+        reply = suffered(std::move(reply));
         if (!reply.isOk || reply.lines.empty()) return std::nullopt;
         if (reply.lines.front() != kHeld) return splitFields(reply.lines.front());
     }
@@ -79,13 +118,18 @@ std::optional<Fields> Connection::read(int device) {
 }
 
 bool Connection::setLogFlags(const Fields& flags) {
-    const std::lock_guard lock(mCommandLock);
-    mLogFlags = flags;
-    if (!mCommands.isOpen() && !mCommands.open(pipeName(kDataRole), kOpenMs)) return true;
-    const Reply reply = mCommands.ask(request(Operation::setDllLogFlags, flags), kAnswerMs);
-    if (mCommands.isOpen()) return reply.isOk;
-    lose(mSession);
-    return true;
+    Reply reply;
+    {
+        const std::lock_guard lock(mCommandLock);
+        mLogFlags = flags;
+        if (!mCommands.isOpen() && !mCommands.open(pipeName(kDataRole), kOpenMs)) return true;
+        reply = mCommands.ask(request(Operation::setDllLogFlags, flags), kAnswerMs);
+        if (!mCommands.isOpen()) {
+            lose(mSession);
+            return true;
+        }
+    }
+    return suffered(std::move(reply)).isOk;
 }
 
 Reply Connection::ask(Operation operation, int session, Fields arguments) {

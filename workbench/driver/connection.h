@@ -1,6 +1,6 @@
 // The library's side of the pipe to the daemon. Any thread may call any function at any time; a read that waits holds
 // up no other operation. Nothing throws but allocation failure, and nothing waits much longer than a second, even on a
-// daemon that does not answer.
+// daemon that does not answer, unless the daemon told an operation to hang.
 #pragma once
 
 #include <atomic>
@@ -36,6 +36,7 @@ class Connection {
   private:
     static constexpr int kNoSession = 0;
 
+    Reply begin(int device, const std::string& application);
     Reply ask(Operation operation, int session, Fields arguments);  // mCommandLock is held
     void lose(int session);
 

@@ -13,6 +13,9 @@
 //   obSetDllLogFlags      file, kB, ten switches, exclusive file
 //   obSetAppMode          session, application, mode
 //
+// Before its own line an answer may hold "!hang MS" and "!pump": the library stands still or dispatches messages before
+// it returns, so that the operation hangs or pumps whatever becomes of the daemon.
+//
 // A reading is the fields "status tx ty tz rx ry rz event extra1 extra2", separated by tabs. "held" is what a read
 // answers from time to time while the daemon makes it hang; the library then asks again.
 #pragma once
@@ -28,6 +31,8 @@ inline constexpr std::string_view kDataRole = "obk_daemon";
 inline constexpr std::string_view kControlRole = "obk_control";
 inline constexpr char kFieldSeparator = '\t';
 inline constexpr std::string_view kHeld = "held";
+inline constexpr std::string_view kHang = "!hang ";
+inline constexpr std::string_view kPump = "!pump";
 inline constexpr std::size_t kAxisCount = 6;
 inline constexpr int kReadWaitMs = 100;  // the longest that a read waits for data
 

@@ -25,7 +25,7 @@
 #include "workbench/host/toolkit/notifications.h"
 #include "workbench/host/toolkit/plugin_call.h"
 #include "workbench/host/toolkit/plugins.h"
-#include "workbench/host/toolkit/timer_procs.h"
+#include "workbench/host/toolkit/system_calls.h"
 #include "workbench/host/windows/frame.h"
 #include "workbench/host/windows/ui_loop.h"
 

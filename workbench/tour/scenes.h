@@ -33,5 +33,6 @@ void playToggles(Stage& stage);
 void playDaemonLoss(Stage& stage);
 void playInstaller(Stage& stage);
 bool isPackageThere();  // packaging/package.sh has made an installer
+void playTrouble(Stage& stage);
 
 }  // namespace workbench

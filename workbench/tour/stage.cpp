@@ -136,11 +136,17 @@ Workbench& Stage::bench() {
 }
 
 void Stage::open(CommandWay way) {
-    openEmpty({.settings = settingsText({{"useMapkeyForCommands", way == CommandWay::byMapkey ? "on" : "off"}}),
-               .menuFile = {},
-               .plugin = {},
-               .textDir = {}});
+    openWith(settingsText({{"useMapkeyForCommands", way == CommandWay::byMapkey ? "on" : "off"}}));
+}
+
+void Stage::openWith(const std::string& settings) {
+    openEmpty({.settings = settings, .menuFile = {}, .plugin = {}, .textDir = {}});
     bench().startDaemon();
+    startHost();
+    bindButtons();
+}
+
+void Stage::startHost() {
     bench().startHost({"--require-plugin"}, kHostEnvironment);
     bench().host(std::string("model ") + kAssembly);
     bench().host("front main");
@@ -149,7 +155,6 @@ void Stage::open(CommandWay way) {
         return bench().daemonStatus("mode") == kAssemblyMode && std::filesystem::exists(bench().menuFile());
     };
     if (!waitFor(isReady)) throw std::runtime_error("the plug-in does not tell its mode, or makes no menu file");
-    bindButtons();
 }
 
 Workbench& Stage::openEmpty(const WorkbenchOptions& options) {

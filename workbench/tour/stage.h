@@ -53,6 +53,10 @@ class Stage {
     // A new workbench with the assembly open, the host in front, the pointer on the graphics, buttons bound (see
     // pressButton).
     void open(CommandWay way = CommandWay::byMacro);
+    // The same with this content of the settings file.
+    void openWith(const std::string& settings);
+    // The host of this workbench, anew when it runs; with the assembly open, in front, the pointer on the graphics.
+    void startHost();
     // A new workbench in which nothing runs yet.
     Workbench& openEmpty(const WorkbenchOptions& options);
     void close();

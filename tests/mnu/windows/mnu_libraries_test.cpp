@@ -3,10 +3,6 @@
 #include <windows.h>
 
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <thread>
 #include <utility>
 
 #include "OB_Daemon/src/logging.h"
@@ -14,6 +10,7 @@
 #include "tests/mnu/large_set.h"
 #include "tests/mnu/windows/data_folder.h"
 #include "tests/mnu/windows/resource_dll.h"
+#include "tests/unit/scratch.h"
 
 namespace {
 
@@ -22,31 +19,15 @@ using testing::HasSubstr;
 
 using testing::Not;
 
-std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::string withCrLf(const std::string& text) {
-    std::string result;
-    for (const char c : text) result.append(c == '\n' ? "\r\n" : std::string(1, c));
-    return result;
-}
-
 class Libraries : public testing::Test {
   protected:
     Libraries() {
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
         LoggingParameters parameters;
         parameters.mIsLogToFile = parameters.mIsWarning = parameters.mIsDebug = true;
         parameters.mLogFile = log;
         gLogging.init(parameters);
     }
-    ~Libraries() override {
-        gLogging.init({});
-        std::filesystem::remove_all(folder);
-    }
+    ~Libraries() override { gLogging.init({}); }
 
     // Makes both libraries of a language "test" in the test's own folder.
     bool makeLibraries(const std::vector<DllResource>& main, const std::vector<DllResource>& language) {
@@ -59,7 +40,8 @@ class Libraries : public testing::Test {
         return parser.CreateMNU(&progress, menuFile, resourceFolder, language, &cancel);
     }
 
-    const std::string folder = programFolder() + "mnu_libraries_test.tmp\\";
+    const ScratchFolder scratch;
+    const std::string folder = scratch.file("");
     const std::string menuFile = folder + "Creo.mnu";
     const std::string log = folder + "log.txt";
     std::atomic<double> progress{0.0};
@@ -71,12 +53,12 @@ TEST_F(Libraries, BecomeAMenuFileToTheByteInEachLanguage) {
     ASSERT_EQ(GetACP(), 1252u) << "the expected files are in this code page";
     for (const std::string language : {"english", "german", "french"}) {
         ASSERT_TRUE(create(dataFolder(), language)) << parser.failure();
-        EXPECT_EQ(readFile(menuFile), withCrLf(readFile(dataFolder() + language + ".mnu"))) << language;
+        EXPECT_EQ(bytesOf(menuFile), inTextMode(bytesOf(dataFolder() + language + ".mnu"))) << language;
         EXPECT_EQ(progress, 0.999999);
         std::filesystem::remove(menuFile);
     }
-    EXPECT_THAT(readFile(log), AllOf(HasSubstr("| Create MNU File: " + menuFile),
-                                     HasSubstr("| MNU File created successfully: " + menuFile)));
+    EXPECT_THAT(bytesOf(log), AllOf(HasSubstr("| Create MNU File: " + menuFile),
+                                    HasSubstr("| MNU File created successfully: " + menuFile)));
 }
 
 // Creo's own bit width need not be that of the program that makes the menu file.
@@ -113,8 +95,8 @@ TEST_F(Libraries, ThatAreMissingOrNoneAreReported) {
     for (const Case& c : cases) {
         EXPECT_FALSE(create(c.folder, c.language));
         EXPECT_EQ(parser.failure(), c.failure);
-        EXPECT_THAT(readFile(log), HasSubstr("|ERR|"));
-        EXPECT_THAT(readFile(log), HasSubstr(c.failure));
+        EXPECT_THAT(bytesOf(log), HasSubstr("|ERR|"));
+        EXPECT_THAT(bytesOf(log), HasSubstr(c.failure));
         EXPECT_FALSE(std::filesystem::exists(menuFile));
     }
     CopyFileA((data + "pro_default_german_resources.dll").c_str(),
@@ -131,7 +113,7 @@ TEST_F(Libraries, AreDataWhoseCodeNeverRuns) {
     ASSERT_TRUE(makeResourceDll(folder + "pro_default_test_resources.dll", armed,
                                 {{"TEXT", "PROCMDONE.TXT", "#1 [ProCmdOne] Command.Label\nOne\nEins\n"}}));
     ASSERT_TRUE(create(folder, "test")) << parser.failure();
-    EXPECT_THAT(readFile(menuFile), HasSubstr("Eins"));
+    EXPECT_THAT(bytesOf(menuFile), HasSubstr("Eins"));
     EXPECT_EQ(GetEnvironmentVariableA(kTrace, nullptr, 0), 0u);
 
     const HMODULE loaded = LoadLibraryA((folder + "pro_default_resources.dll").c_str());
@@ -157,13 +139,13 @@ TEST_F(Libraries, MayHoldAnything) {
                                {MAKEINTRESOURCEA(1234), MAKEINTRESOURCEA(1), "PROCMDGOOD.TXT"},
                                {RT_RCDATA, "PROCMDALONE.TXT", "] COMMAND.LABEL\nX\nAlone\n"}}));
     ASSERT_TRUE(create(folder, "test")) << parser.failure();
-    const std::string text = readFile(menuFile);
+    const std::string text = bytesOf(menuFile);
     EXPECT_THAT(text, AllOf(HasSubstr("\r\n0HUGE"), HasSubstr("\r\n0VIEW_MENU"), HasSubstr("= {}ProCmdGood|"),
                             HasSubstr("Bytes"), HasSubstr("= {}ProCmdNoUtf8|"), HasSubstr("Sch\xf6n "),
                             HasSubstr("= {}ProCmdSch\xd6n|")));
     EXPECT_THAT(text, AllOf(Not(HasSubstr("ProCmdLong")), Not(HasSubstr("ProCmdShift")), Not(HasSubstr("Alone"))));
-    EXPECT_THAT(readFile(log), AllOf(HasSubstr("its label would be read as a section: PROCMDSHIFT"),
-                                     HasSubstr("its label is too long: PROCMDLONG")));
+    EXPECT_THAT(bytesOf(log), AllOf(HasSubstr("its label would be read as a section: PROCMDSHIFT"),
+                                    HasSubstr("its label is too long: PROCMDLONG")));
 }
 
 // Sizes that promise nothing, or more than the library has.
@@ -185,14 +167,14 @@ TEST_F(Libraries, MayLieAboutSizes) {
                                   {{RT_RCDATA, "PROCMDBAD.TXT", std::string(kSize, 'x')},
                                    {RT_RCDATA, "PROCMDGOOD.TXT", "] COMMAND.LABEL\nGood\nGut\n"}}));
         const std::string path = folder + "pro_default_test_resources.dll";
-        std::string bytes = readFile(path);
+        std::string bytes = bytesOf(path);
         const auto at = bytes.find(std::string(reinterpret_cast<const char*>(&kSize), sizeof kSize));
         ASSERT_NE(at, bytes.npos);
         std::memcpy(&bytes[at], &c.lie, sizeof c.lie);
         std::ofstream(path, std::ios::binary) << bytes;
         ASSERT_TRUE(create(folder, "test")) << parser.failure();
-        EXPECT_THAT(readFile(menuFile), HasSubstr("= {}ProCmdGood|"));
-        const std::string loggedBefore = std::exchange(logged, readFile(log));
+        EXPECT_THAT(bytesOf(menuFile), HasSubstr("= {}ProCmdGood|"));
+        const std::string loggedBefore = std::exchange(logged, bytesOf(log));
         EXPECT_THAT(logged.substr(loggedBefore.size()), HasSubstr(c.message)) << c.lie;
         std::filesystem::remove(menuFile);
     }
@@ -230,7 +212,7 @@ TEST_F(Libraries, EnumerationGoesOnBehindWhatIsNotThere) {
     const HMODULE module = GetModuleHandleA(nullptr);
     char missing[] = "PROCMDMISSING.TXT";
     EXPECT_TRUE(parser.EnumNamesFunc(module, RT_RCDATA, missing));
-    EXPECT_THAT(readFile(log), HasSubstr("Invalid Resource name: PROCMDMISSING.TXT"));
+    EXPECT_THAT(bytesOf(log), HasSubstr("Invalid Resource name: PROCMDMISSING.TXT"));
     EXPECT_TRUE(parser.EnumNamesFunc(module, RT_RCDATA, MAKEINTRESOURCEA(1)));
 }
 

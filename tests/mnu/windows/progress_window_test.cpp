@@ -6,25 +6,18 @@
 #include <commctrl.h>
 
 #include <array>
-#include <chrono>
 #include <cmath>
-#include <functional>
 #include <string>
-#include <thread>
+#include <utility>
+
+#include "tests/unit/scratch.h"
+
+// The program's own entry for a function of Windows, which the loader has filled in.
+extern void* gCreateWindow asm("__imp__CreateWindowExA@48");
 
 namespace {
 
 constexpr char kClass[] = "MNUDlgClass";
-constexpr auto kPatience = std::chrono::seconds(20);
-
-bool waitFor(const std::function<bool()>& condition) {
-    for (const auto end = std::chrono::steady_clock::now() + kPatience; std::chrono::steady_clock::now() < end;) {
-        if (condition()) return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return false;
-}
-
 HWND findFrame() { return FindWindowA(kClass, "Orbikon"); }
 HWND findText() { return FindWindowExA(findFrame(), nullptr, "STATIC", nullptr); }
 HWND findBar() { return FindWindowExA(findFrame(), nullptr, PROGRESS_CLASSA, nullptr); }
@@ -44,7 +37,7 @@ TEST(ProgressWindow, ShowsTheProgressAndIgnoresOtherValues) {
     window.update(0.5);  // no window yet
     window.start();
     EXPECT_TRUE(window.isRunning());
-    ASSERT_TRUE(waitFor(isShown));
+    ASSERT_TRUE(waitUntil(isShown));
     EXPECT_EQ(shownText(), "Preparing for first start...");
 
     struct Case {
@@ -63,14 +56,28 @@ TEST(ProgressWindow, ShowsTheProgressAndIgnoresOtherValues) {
 TEST(ProgressWindow, HasItsPlaceAndStaysOnTop) {
     ProgressWindow window;
     window.start();
-    ASSERT_TRUE(waitFor(isShown));
+    ASSERT_TRUE(waitUntil(isShown));
     RECT frame;
     GetWindowRect(findFrame(), &frame);
     EXPECT_EQ(frame.right - frame.left, 216);
     EXPECT_EQ(frame.bottom - frame.top, 80);
     EXPECT_EQ(GetWindowLongA(findFrame(), GWL_EXSTYLE) & (WS_EX_TOPMOST | WS_EX_TOOLWINDOW),
               WS_EX_TOPMOST | WS_EX_TOOLWINDOW);
+    EXPECT_EQ(GetWindowLongA(findFrame(), GWL_STYLE) & WS_OVERLAPPEDWINDOW, WS_OVERLAPPEDWINDOW);
     EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_STYLE), CS_HREDRAW | CS_VREDRAW);
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HBRBACKGROUND), COLOR_WINDOW);
+    const auto icon = reinterpret_cast<ULONG_PTR>(LoadIconA(nullptr, IDI_APPLICATION));
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HICON), icon);
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HICONSM), icon);
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HCURSOR), reinterpret_cast<ULONG_PTR>(LoadCursorA(nullptr, IDC_ARROW)));
+    constexpr LONG kChildStyle = WS_CHILD | WS_VISIBLE | WS_GROUP;
+    EXPECT_EQ(GetWindowLongA(findText(), GWL_STYLE) & kChildStyle, kChildStyle);
+    EXPECT_EQ(GetWindowLongA(findBar(), GWL_STYLE) & kChildStyle, WS_CHILD | WS_VISIBLE);
+    EXPECT_EQ(GetWindowLongA(findText(), GWL_EXSTYLE) & WS_EX_NOPARENTNOTIFY, WS_EX_NOPARENTNOTIFY);
+    EXPECT_EQ(GetWindowLongA(findBar(), GWL_EXSTYLE) & WS_EX_NOPARENTNOTIFY, 0);
+    EXPECT_EQ(SendMessageA(findText(), WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(GetStockObject(DEFAULT_GUI_FONT)));
+    EXPECT_EQ(SendMessageA(findBar(), PBM_GETRANGE, TRUE, 0), 0);
+    EXPECT_EQ(SendMessageA(findBar(), PBM_GETRANGE, FALSE, 0), 100);
     const auto placeOf = [](HWND child) {
         RECT place;
         GetWindowRect(child, &place);
@@ -84,9 +91,12 @@ TEST(ProgressWindow, HasItsPlaceAndStaysOnTop) {
 TEST(ProgressWindow, CannotBeClosedByTheUser) {
     ProgressWindow window;
     window.start();
-    ASSERT_TRUE(waitFor(isShown));
-    SendMessageA(findFrame(), WM_CLOSE, 0, 0);
+    ASSERT_TRUE(waitUntil(isShown));
+    EXPECT_EQ(SendMessageA(findFrame(), WM_CLOSE, 0, 0), 0);
     SendMessageA(findFrame(), WM_SYSCOMMAND, SC_CLOSE, 0);
+    SendMessageA(findFrame(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("All else is handled as usual"));
+    EXPECT_NE(FindWindowA(kClass, "All else is handled as usual"), nullptr);
+    SendMessageA(FindWindowA(kClass, nullptr), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Orbikon"));
     window.update(0.25);
     EXPECT_TRUE(isShown());
     EXPECT_TRUE(window.isRunning());
@@ -98,7 +108,7 @@ TEST(ProgressWindow, IsGoneWithItsThreadAfterStop) {
         ProgressWindow window;
         window.start();
         if (isShownFirst) {
-            ASSERT_TRUE(waitFor(isShown));
+            ASSERT_TRUE(waitUntil(isShown));
         }
         const DWORD threadId = GetWindowThreadProcessId(findFrame(), nullptr);
         const HANDLE thread = OpenThread(SYNCHRONIZE, FALSE, threadId);
@@ -126,8 +136,26 @@ TEST(ProgressWindow, EndsWhileUpdatesKeepComing) {
     EXPECT_EQ(findFrame(), nullptr);
 }
 
+// For the time of a scope Windows makes no window for this program.
+class RefusedFrames {
+  public:
+    RefusedFrames() : mCreateWindow(set(reinterpret_cast<void*>(&refuse))) {}
+    ~RefusedFrames() { set(mCreateWindow); }
+
+  private:
+    static HWND WINAPI refuse(DWORD, LPCSTR, LPCSTR, DWORD, int, int, int, int, HWND, HMENU, HINSTANCE, LPVOID) {
+        return nullptr;
+    }
+    static void* set(void* function) {
+        DWORD before = 0;
+        VirtualProtect(&gCreateWindow, sizeof gCreateWindow, PAGE_READWRITE, &before);
+        return std::exchange(gCreateWindow, function);
+    }
+    void* mCreateWindow;
+};
+
 // With the class's name taken the window cannot be made: a message box says so, stop() takes it away, and a later
-// start tries again.
+// start tries again. The same without a frame.
 TEST(ProgressWindow, SaysWhenItCannotBeMade) {
     WNDCLASSEXA taken = {};
     taken.cbSize = sizeof taken;
@@ -137,21 +165,28 @@ TEST(ProgressWindow, SaysWhenItCannotBeMade) {
     ASSERT_NE(RegisterClassExA(&taken), 0);
     const auto findBox = [] { return FindWindowA("#32770", "Error!"); };
     ProgressWindow window;
+    const auto says = [&](const char* text) {
+        window.start();
+        EXPECT_TRUE(waitUntil([&] { return findBox() != nullptr; }));
+        const HWND shown = FindWindowExA(findBox(), nullptr, "STATIC", text);
+        window.update(0.5);
+        window.stop();
+        EXPECT_EQ(findBox(), nullptr);
+        return shown != nullptr;
+    };
+    EXPECT_TRUE(says("Window Registration Failed!"));
 
     window.start();
-    ASSERT_TRUE(waitFor([&] { return findBox() != nullptr; }));
-    EXPECT_NE(FindWindowExA(findBox(), nullptr, "STATIC", "Window Registration Failed!"), nullptr);
-    window.update(0.5);
-    window.stop();
-    EXPECT_EQ(findBox(), nullptr);
-
-    window.start();
-    ASSERT_TRUE(waitFor([&] { return findBox() != nullptr; }));
+    ASSERT_TRUE(waitUntil([&] { return findBox() != nullptr; }));
     PostMessageA(findBox(), WM_CLOSE, 0, 0);
-    ASSERT_TRUE(waitFor([&] { return !window.isRunning(); })) << "the thread clears the flag when it ends";
+    ASSERT_TRUE(waitUntil([&] { return !window.isRunning(); })) << "the thread clears the flag when it ends";
     UnregisterClassA(kClass, GetModuleHandleA(nullptr));
+    {
+        const RefusedFrames refused;
+        EXPECT_TRUE(says("Window Creation Failed!"));
+    }
     window.start();
-    EXPECT_TRUE(waitFor(isShown));
+    EXPECT_TRUE(waitUntil(isShown));
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ Reply answerControl(const std::string& line) {
     try {
         command->run(request, reply.lines);
         reply.isOk = true;
-    } catch (const ControlError& error) {
+    } catch (const std::runtime_error& error) {
         return failure(error.what());
     }
     return reply;

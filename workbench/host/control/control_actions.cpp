@@ -158,11 +158,12 @@ const std::string& toolkitFunction(const Request& request) {
     return request.word(0);
 }
 
-void fail(const Request& request, Lines&) {
-    constexpr int ALWAYS = -1;
-    toolkitCalls().fail(toolkitFunction(request), request.number(1),
-                        request.words.size() > 2 ? request.number(2) : ALWAYS);
+template <const char* VERB>
+void goWrong(const Request& request, Lines&) {
+    toolkitFunction(request);
+    toolkitCalls().faults().request(VERB, request.words);
 }
+constexpr char FAIL[] = "fail", HANG[] = "hang", PUMP[] = "pump";
 
 void during(const Request& request, Lines&) {
     const std::string& function = toolkitFunction(request);
@@ -194,6 +195,10 @@ void plugin(const Request& request, Lines& lines) {
         requireDone(plugins().start());
     } else if (what == "unload") {
         plugins().unload();
+    } else if (what == "call") {
+        const std::string& entry = request.word(1);
+        require(entry == "initialize" || entry == "terminate", "plugin cannot call \"" + entry + "\"");
+        requireDone(plugins().call(entry == "initialize"));
     } else if (what == "reload") {
         reload(request.number(1));
     } else {
@@ -231,7 +236,15 @@ std::vector<ControlCommand> actionCommands() {
              require(count >= 1 && count <= MOST, "between 1 and 20000 components");
              host().rebuildAssembly(count);
          }},
-        {"fail", fail},
+        {"fail", goWrong<FAIL>},
+        {"hang", goWrong<HANG>},
+        {"pump", goWrong<PUMP>},
+        {"chaos", [](const Request& request, Lines&) { toolkitCalls().faults().request("chaos", request.words); }},
+        {"calm",
+         [](const Request& request, Lines&) {
+             toolkitCalls().faults().request("calm", request.words);
+             toolkitCalls().forgetActions();
+         }},
         {"during", during},
         {"notify",
          [](const Request& request, Lines&) {

@@ -11,12 +11,14 @@
 #include "workbench/host/commands/macro_runner.h"
 #include "workbench/host/control/control.h"
 #include "workbench/host/control/device_support.h"
+#include "workbench/host/control/invariants.h"
 #include "workbench/host/control/process_counts.h"
 #include "workbench/host/model/host_state.h"
 #include "workbench/host/toolkit/notifications.h"
 #include "workbench/host/toolkit/plugin_call.h"
 #include "workbench/host/toolkit/plugins.h"
 #include "workbench/host/toolkit/selection_arrays.h"
+#include "workbench/host/toolkit/system_calls.h"
 #include "workbench/host/toolkit/toolkit_call.h"
 #include "workbench/host/windows/frame.h"
 #include "workbench/host/windows/menu_bar.h"
@@ -62,7 +64,12 @@ void status(const Request&, Lines& lines) {
     addNumber("outstanding_arrays", selectionArrays().outstanding());
     addNumber("handles", handleCount());
     addNumber("threads", threadCount());
+    addNumber("gdi_objects", gdiObjectCount());
+    addNumber("user_objects", userObjectCount());
+    addNumber("private_bytes", privateBytes());
+    addNumber("ticks", timerTicks());
     add("plugin", plugins().state());
+    addNumber("start_disturbed", int{plugins().isStartDisturbed()});
     addNumber("misalign", int{isMisalignmentOn()});
     addNumber("mapkeys", keySequence().mapkeys().size());
     addNumber("macros_run", macros.queuedRun);
@@ -222,6 +229,12 @@ std::vector<ControlCommand> queryCommands() {
         {"trail", trail},
         {"commands", listCommands},
         {"notifications", listNotifications},
+        {"invariants",
+         [](const Request&, Lines& lines) {
+             lines = brokenInvariants();
+             if (lines.empty()) lines.push_back("ok");
+         }},
+        {"help", [](const Request&, Lines& lines) { lines = controlHelp(); }},
         {"blocked", [](const Request&, Lines& lines) { lines.push_back(std::to_string(takeLongestBlock())); }},
     };
 }

@@ -8,7 +8,8 @@
 #include "workbench/host/toolkit/message_texts.h"
 #include "workbench/host/toolkit/notifications.h"
 #include "workbench/host/toolkit/plugin_call.h"
-#include "workbench/host/toolkit/timer_procs.h"
+#include "workbench/host/toolkit/system_calls.h"
+#include "workbench/host/toolkit/toolkit_call.h"
 #include "workbench/host/windows/frame.h"
 #include "workbench/host/windows/menu_bar.h"
 
@@ -97,12 +98,14 @@ bool Plugins::load(Plugin& plugin) {
                      "\" (" + systemError(GetLastError()) + ").");
         return false;
     }
-    watchTimersOf(plugin.module);
+    watchSystemCallsOf(plugin.module);
     return true;
 }
 
-bool Plugins::initialise(Plugin& plugin) {
-    if (plugin.isInitialised) return true;
+bool Plugins::initialise(Plugin& plugin) { return plugin.isInitialised || callInitialise(plugin); }
+
+// The state is noted before the call: what is called inside it comes later and wins.
+bool Plugins::callInitialise(Plugin& plugin) {
     if (plugin.module == nullptr) return false;
     const auto entry = entryPoint<Initialise>(plugin.module, "user_initialize");
     if (entry == nullptr) {
@@ -113,15 +116,18 @@ bool Plugins::initialise(Plugin& plugin) {
     wchar_t errorText[ERROR_TEXT_LENGTH] = L"";
     char name[] = "xtop.exe";
     char* arguments[] = {name, nullptr};
+    plugin.isInitialised = true;
+    const int refused = toolkitCalls().faults().refused();
     const int result = callPlugin(entry, 1, arguments, versionText, buildText, errorText);
+    mIsStartDisturbed = toolkitCalls().faults().refused() != refused;
     errorText[ERROR_TEXT_LENGTH - 1] = L'\0';
     if (result != 0) {
         host().error("The application \"" + plugin.entry.name + "\" refused to start (" + std::to_string(result) +
                      "): " + wideToUtf8(errorText));
+        plugin.isInitialised = false;
         forgetMenus();
         return false;
     }
-    plugin.isInitialised = true;
     host().message("Application \"" + plugin.entry.name + "\" started.");
     return true;
 }
@@ -130,17 +136,24 @@ bool Plugins::initialise() {
     return std::all_of(mPlugins.begin(), mPlugins.end(), [this](Plugin& plugin) { return initialise(plugin); });
 }
 
-bool Plugins::terminate(Plugin& plugin) {
-    if (!plugin.isInitialised) return true;
+bool Plugins::terminate(Plugin& plugin) { return !plugin.isInitialised || callTerminate(plugin); }
+
+bool Plugins::callTerminate(Plugin& plugin) {
+    if (plugin.module == nullptr) return false;
     const auto entry = entryPoint<Terminate>(plugin.module, "user_terminate");
+    plugin.isInitialised = false;
     if (entry != nullptr) {
         callPlugin(entry);
     } else {
         host().error("The application \"" + plugin.entry.name + "\" has no user_terminate.");
     }
-    plugin.isInitialised = false;
-    forgetMenus();
+    if (!plugin.isInitialised) forgetMenus();
     return entry != nullptr;
+}
+
+bool Plugins::call(bool isStart) {
+    return std::all_of(mPlugins.begin(), mPlugins.end(),
+                       [=, this](Plugin& plugin) { return isStart ? callInitialise(plugin) : callTerminate(plugin); });
 }
 
 bool Plugins::terminate() {
@@ -152,6 +165,7 @@ bool Plugins::terminate() {
 void Plugins::unload() {
     for (Plugin& plugin : mPlugins) {
         terminate(plugin);
+        if (plugin.isInitialised) continue;  // started anew inside its end
         notifications().clear();
         if (plugin.module != nullptr) FreeLibrary(plugin.module);
         plugin.module = nullptr;

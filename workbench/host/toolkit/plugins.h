@@ -18,11 +18,15 @@ class Plugins {
     void findRegistered();
 
     // Each answers whether everything went well; what did not is in the message line and on standard error.
-    bool start();       // loads and initialises all that are not
+    bool start();  // loads and initialises all that are not
+    // Calls the entry point of all that are loaded whatever was called before, as nobody should but somebody may.
+    bool call(bool isStart);
     bool terminate();   // user_terminate of those that are initialised
     bool initialise();  // user_initialize of those that are loaded
     void unload();      // terminates and frees all
 
+    // Whether a function was made to fail while one of them started: it may lack menus, threads or handlers since.
+    bool isStartDisturbed() const { return mIsStartDisturbed; }
     bool isAnyRegistered() const { return !mPlugins.empty(); }
     std::string state() const;                    // "none", "registered", "loaded", "initialised" (of the first)
     HMODULE moduleAt(const void* address) const;  // the plug-in that an address lies in, null for none
@@ -31,14 +35,17 @@ class Plugins {
     struct Plugin {
         PluginEntry entry;
         HMODULE module = nullptr;
-        bool isInitialised = false;
+        bool isInitialised = false;  // as the latest call of an entry point asked for, also while that is running
     };
     void readRegistry(const std::filesystem::path& file, bool isRequired);
     bool load(Plugin& plugin);
     bool initialise(Plugin& plugin);
     bool terminate(Plugin& plugin);
+    bool callInitialise(Plugin& plugin);
+    bool callTerminate(Plugin& plugin);
 
     std::vector<Plugin> mPlugins;
+    bool mIsStartDisturbed = false;
 };
 
 Plugins& plugins();

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "workbench/host/model/host_state.h"
+#include "workbench/host/toolkit/matrix_check.h"
 #include "workbench/host/toolkit/selection_arrays.h"
 #include "workbench/host/toolkit/toolkit_call.h"
 #include "workbench/host/toolkit/toolkit_matrix.h"
@@ -37,8 +38,8 @@ ProError ProSelbufferSelectionsGet(ProSelection** selections) {
 }
 
 ProError ProSelectionarrayFree(ProSelection* selections) {
-    return toolkitCall(__func__,
-                       [&] { return selectionArrays().free(selections) ? PRO_TK_NO_ERROR : PRO_TK_BAD_INPUTS; });
+    return releasingCall(__func__,
+                         [&] { return selectionArrays().free(selections) ? PRO_TK_NO_ERROR : PRO_TK_BAD_INPUTS; });
 }
 
 ProError ProArraySizeGet(ProArray array, int* size) {
@@ -99,6 +100,7 @@ ProError ProAsmcompPositionGet(ProAsmcomp* component, ProMatrix position) {
 // The component's own position within the model is set; the path must lead to it or into it. A position that is no
 // set of numbers is refused, since nothing could be drawn any more.
 ProError ProAsmcompPositionSet(ProAsmcomppath* path, ProAsmcomp* component, ProMatrix position) {
+    noteMatrix(__func__, position);
     return toolkitCall(__func__, [&] {
         Model* owner = nullptr;
         Component* known = findComponent(component, &owner);

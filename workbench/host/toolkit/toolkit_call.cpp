@@ -2,8 +2,10 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 #include "workbench/host/windows/ui_loop.h"
@@ -13,6 +15,10 @@ namespace {
 
 std::atomic<int> wrongThread{0};
 
+constexpr const char* SYSTEM_CALLS[] = {"SetTimer", "_beginthreadex"};
+
+bool isUiThread() { return GetCurrentThreadId() == uiThreadId(); }
+
 }  // namespace
 
 ToolkitCalls& toolkitCalls() {
@@ -20,33 +26,38 @@ ToolkitCalls& toolkitCalls() {
     return calls;
 }
 
+ToolkitCalls::Scope::Scope(ToolkitCalls& calls) : mCalls(calls), mIsOnUiThread(isUiThread()) {
+    if (mIsOnUiThread) ++mCalls.mDepth;
+}
+
+ToolkitCalls::Scope::~Scope() {
+    if (mIsOnUiThread) --mCalls.mDepth;
+}
+
 std::optional<ProError> ToolkitCalls::enter(const char* function) {
-    if (GetCurrentThreadId() != uiThreadId()) {
+    if (!isUiThread()) {
         ++wrongThread;
         std::fprintf(stderr, "creo_host: %s was called by a thread other than the user-interface thread.\n", function);
         return PRO_TK_GENERAL_ERROR;
     }
-    ++mCalls[function];
+    const CallFault fault = mFaults.enter(function);
     if (const auto action = mActions.extract(function)) action.mapped()();
-    const auto found = mFailures.find(function);
-    if (found == mFailures.end() || found->second.count == 0) return std::nullopt;
-    if (found->second.count > 0) --found->second.count;
-    return found->second.code;
+    if (fault.hangMs > 0) Sleep(static_cast<DWORD>(fault.hangMs));
+    if (fault.isPumping) pumpUiMessages();
+    return fault.code;
 }
 
-void ToolkitCalls::fail(const std::string& function, ProError code, int count) { mFailures[function] = {code, count}; }
+bool ToolkitCalls::refusesSystemCall(const char* function) {
+    return isUiThread() && mFaults.enter(function).code.has_value();
+}
 
 void ToolkitCalls::during(const std::string& function, std::function<void()> action) {
     mActions[function] = std::move(action);
 }
 
 bool ToolkitCalls::isKnown(const std::string& function) {
-    return GetProcAddress(GetModuleHandleW(nullptr), function.c_str()) != nullptr;
-}
-
-int ToolkitCalls::callsOf(const std::string& function) const {
-    const auto found = mCalls.find(function);
-    return found == mCalls.end() ? 0 : found->second;
+    return std::find(std::begin(SYSTEM_CALLS), std::end(SYSTEM_CALLS), function) != std::end(SYSTEM_CALLS) ||
+           GetProcAddress(GetModuleHandleW(nullptr), function.c_str()) != nullptr;
 }
 
 int ToolkitCalls::wrongThreadCalls() const { return wrongThread; }

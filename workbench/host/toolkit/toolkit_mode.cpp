@@ -22,7 +22,7 @@ ProError ProNotificationSet(int type, ProFunction handler) {
 }
 
 ProError ProNotificationUnset(int type) {
-    return toolkitCall(__func__, [&] { return notifications().unset(type) ? PRO_TK_NO_ERROR : PRO_TK_E_NOT_FOUND; });
+    return releasingCall(__func__, [&] { return notifications().unset(type) ? PRO_TK_NO_ERROR : PRO_TK_E_NOT_FOUND; });
 }
 
 ProError ProModeCurrentGet(ProMode* mode) {

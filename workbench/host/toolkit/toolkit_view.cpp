@@ -1,5 +1,6 @@
 // Toolkit functions: view.
 #include "workbench/host/model/host_state.h"
+#include "workbench/host/toolkit/matrix_check.h"
 #include "workbench/host/toolkit/toolkit_call.h"
 #include "workbench/host/toolkit/toolkit_matrix.h"
 
@@ -25,6 +26,7 @@ ProError ProViewMatrixGet(ProMdl model, ProView view, ProMatrix matrix) {
 }
 
 ProError ProViewMatrixSet(ProMdl model, ProView view, ProMatrix matrix) {
+    noteMatrix(__func__, matrix);
     return toolkitCall(__func__, [&] {
         Model* known = modelOfView(model, view);
         if (known == nullptr || matrix == nullptr) return PRO_TK_BAD_INPUTS;

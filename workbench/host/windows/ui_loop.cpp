@@ -148,6 +148,15 @@ int runUiLoop() {
     return static_cast<int>(message.wParam);
 }
 
+void pumpUiMessages() {
+    constexpr int MOST = 1000;  // what comes in faster than it is served must not keep the call for ever
+    MSG message{};
+    for (int i = 0; i < MOST && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); ++i) {
+        if (message.message == WM_QUIT) return quitUiLoop(static_cast<int>(message.wParam));
+        serve(message);
+    }
+}
+
 void quitUiLoop(int exitCode) { PostQuitMessage(exitCode); }
 
 void setKeyFilter(MessageFilter filter) { keyFilter = std::move(filter); }

@@ -25,6 +25,10 @@ void postToUiWhenIdle(std::function<void()> task);
 int runUiLoop();
 void quitUiLoop(int exitCode);
 
+// Serves what waits in the message loop, as a dialog does that is open inside a call, and comes back. The end of the
+// loop is left for the loop itself. User-interface thread.
+void pumpUiMessages();
+
 // Sees every key message, or every timer message, before it is dispatched; true = used up. User-interface thread.
 using MessageFilter = std::function<bool(const MSG&)>;
 void setKeyFilter(MessageFilter filter);

@@ -1,4 +1,4 @@
-#include "workbench/daemon/numbers.h"
+#include "workbench/pipes/numbers.h"
 
 #include <charconv>
 #include <stdexcept>

@@ -1,4 +1,0 @@
-// Counts what operator new hands out in the test program that links allocations.cpp.
-#pragma once
-
-long allocations();
