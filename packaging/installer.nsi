@@ -299,7 +299,11 @@ Function ${UN}Unregister
       ${RunDoctor} 'unregister --load-point "$R2" --drop-backup'
       ${Log} "$1"
       ${If} $0 <> 0
-        ${Fail} ${EXIT_FAILED} "$(NotUnregistered) $R2$\r$\n$1"
+        StrCpy $5 "$R2$\r$\n$1"
+!if "${UN}" == ""
+        Call KeepLoadPoints
+!endif
+        ${Fail} ${EXIT_FAILED} "$(NotUnregistered) $5"
       ${EndIf}
     ${EndIf}
   ${EndEach}
@@ -497,6 +501,20 @@ Function WriteManifest
   WriteINIStr "${NEW}" installation components "$0"
   FlushINI "${NEW}"
   CopyFiles /SILENT "${NEW}" "${OLD}"
+FunctionEnd
+
+; The load points of the version before stay listed with the new files, so that another run can still take the plug-in out
+; of them.
+Function KeepLoadPoints
+  ${Each} "${OLD}" loadpoints
+    ReadINIStr $2 "${NEW}" types "$R2"
+    ${If} $2 == ""
+      ReadINIStr $2 "${OLD}" types "$R2"
+      ${Append} "${NEW}" loadpoints "$R2"
+      WriteINIStr "${NEW}" types "$R2" "$2"
+    ${EndIf}
+  ${EndEach}
+  Call WriteManifest
 FunctionEnd
 
 ; Enters the plug-in where Creo looks for it. For a single user it goes into files of its own.
@@ -897,6 +915,9 @@ FunctionEnd
 ; ---- the last page ----
 
 Function ShowFinish
+  ${If} $IsForUser == 1
+    SendMessage $mui.FinishPage.Text ${WM_SETTEXT} 0 "STR:$(FinishText)$\r$\n$\r$\n$(FinishForUser)"
+  ${EndIf}
   ${IfNot} ${SectionIsSelected} ${tools}
     ${NSD_Uncheck} $mui.FinishPage.Run
     ShowWindow $mui.FinishPage.Run ${SW_HIDE}
@@ -906,6 +927,7 @@ FunctionEnd
 ; The doctor of the bit width that the first load point has; its window stays open.
 Function CheckSeat
   StrCpy $0 "$INSTDIR\tools\orbikon_doctor.exe"
+  SetOutPath "$PROFILE"  ; its folder shall be removable while the window is open
   ReadINIStr $1 "${OLD}" loadpoints 1
   ReadINIStr $2 "${OLD}" types "$1"
   ${If} $2 == "x86e_win64"

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr DWORD kDone = 0, kFailed = 2, kInUse = 3;
+constexpr DWORD kDone = 0, kCancelled = 1, kFailed = 2, kInUse = 3;
 constexpr int kSetupPatienceMs = 120000;
 
 // With letters of another encoding, an entry of somebody else's, and a comment behind all.
@@ -251,6 +251,47 @@ TEST_F(Seat, ForOneUser) {
     EXPECT_FALSE(fs::exists(profile / "OrbikonController"));
 }
 
+struct Dialog {
+    DWORD process;
+    int button;
+    HWND found;
+};
+
+BOOL CALLBACK takeDialogWithButton(HWND window, LPARAM parameter) {
+    auto& dialog = *reinterpret_cast<Dialog*>(parameter);
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    if (owner != dialog.process || !IsWindowVisible(window) || GetDlgItem(window, dialog.button) == nullptr)
+        return TRUE;
+    dialog.found = window;
+    return FALSE;
+}
+
+// Waits for a window of the process with this button, and presses it.
+bool press(const workbench::Process& process, int button) {
+    Dialog dialog{process.id(), button, nullptr};
+    waitFor([&] {
+        EnumWindows(takeDialogWithButton, reinterpret_cast<LPARAM>(&dialog));
+        return dialog.found != nullptr;
+    });
+    return PostMessageA(dialog.found, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0) && dialog.found != nullptr;
+}
+
+TEST_F(Seat, CancellingChangesNothing) {
+    const workbench::Process setup({.program = setupProgram(),
+                                    .arguments = {"/LOADPOINT=" + load32.string()},
+                                    .lastArgument = "/D=" + folder.string(),
+                                    .folder = root,
+                                    .environment = {},
+                                    .outputFile = {}});
+    ASSERT_TRUE(press(setup, IDOK));  // the next page
+    ASSERT_TRUE(press(setup, IDCANCEL));
+    ASSERT_TRUE(press(setup, IDYES));  // really
+    EXPECT_EQ(setup.waitForExit(kSetupPatienceMs), kCancelled);
+    EXPECT_FALSE(fs::exists(folder));
+    EXPECT_EQ(bytesOf(registry32), kForeignRegistry);
+}
+
 TEST_F(Seat, WhatCannotBeDoneIsSaidBeforeAnythingIsTouched) {
     struct Case {
         std::vector<std::string> arguments;
@@ -281,6 +322,14 @@ TEST_F(Seat, RegistrationFileInUseIsSaidAndARepairMendsIt) {
     }
     EXPECT_EQ(install({"/LOADPOINT=" + load32.string()}), kDone) << log();
     EXPECT_NE(bytesOf(registry32).find("orbikon_creo.dll"), std::string::npos);
+    {
+        const workbench::Handle held(
+            CreateFileW(registry32.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_EQ(install({"/LOADPOINT="}), kFailed) << "it cannot be taken out";
+        EXPECT_NE(bytesOf(registry32).find("orbikon_creo.dll"), std::string::npos);
+    }
+    EXPECT_EQ(install({"/LOADPOINT="}), kDone) << log();
+    EXPECT_EQ(bytesOf(registry32), kForeignRegistry);
 }
 
 TEST_F(Seat, EveryProgramAndLibrarySaysWhatItIs) {

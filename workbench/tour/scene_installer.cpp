@@ -38,16 +38,15 @@ std::string textOf(HWND window) {
     return text;
 }
 
+BOOL CALLBACK addText(HWND child, LPARAM texts) {
+    if (IsWindowVisible(child)) *reinterpret_cast<std::string*>(texts) += textOf(child) + "\n";
+    return TRUE;
+}
+
 // What a window shows: the texts of its visible children, one a line.
 std::string textsIn(HWND window) {
     std::string texts;
-    EnumChildWindows(
-        window,
-        [](HWND child, LPARAM all) -> BOOL {
-            if (IsWindowVisible(child)) *reinterpret_cast<std::string*>(all) += textOf(child) + "\n";
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&texts));
+    EnumChildWindows(window, addText, reinterpret_cast<LPARAM>(&texts));
     return texts;
 }
 
@@ -56,21 +55,27 @@ struct Search {
     HWND found;
 };
 
+BOOL CALLBACK takeIfWanted(HWND window, LPARAM parameter) {
+    auto& wanted = *reinterpret_cast<Search*>(parameter);
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    if (owner != wanted.process || !IsWindowVisible(window) || GetDlgItem(window, kNextButton) == nullptr) return TRUE;
+    wanted.found = window;
+    return FALSE;
+}
+
 HWND windowOf(const Process& process) {
     Search search{process.id(), nullptr};
-    EnumWindows(
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto& wanted = *reinterpret_cast<Search*>(parameter);
-            DWORD owner = 0;
-            GetWindowThreadProcessId(window, &owner);
-            if (owner != wanted.process || !IsWindowVisible(window) || GetDlgItem(window, kNextButton) == nullptr) {
-                return TRUE;
-            }
-            wanted.found = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    EnumWindows(takeIfWanted, reinterpret_cast<LPARAM>(&search));
     return search.found;
+}
+
+BOOL CALLBACK uncheck(HWND child, LPARAM) {
+    const auto kind = GetWindowLongA(child, GWL_STYLE) & BS_TYPEMASK;
+    char name[16] = "";
+    GetClassNameA(child, name, sizeof name);
+    if (lstrcmpiA(name, "Button") == 0 && kind == BS_AUTOCHECKBOX) SendMessageA(child, BM_SETCHECK, 0, 0);
+    return TRUE;
 }
 
 class Installer {
@@ -93,18 +98,7 @@ class Installer {
     void goOn() const { PostMessageA(mWindow, WM_COMMAND, MAKEWPARAM(kNextButton, BN_CLICKED), 0); }
 
     // No further program is started from the last page.
-    void uncheckAll() const {
-        EnumChildWindows(
-            mWindow,
-            [](HWND child, LPARAM) -> BOOL {
-                const auto kind = GetWindowLongA(child, GWL_STYLE) & BS_TYPEMASK;
-                char name[16] = "";
-                GetClassNameA(child, name, sizeof name);
-                if (lstrcmpiA(name, "Button") == 0 && kind == BS_AUTOCHECKBOX) SendMessageA(child, BM_SETCHECK, 0, 0);
-                return TRUE;
-            },
-            0);
-    }
+    void uncheckAll() const { EnumChildWindows(mWindow, uncheck, 0); }
 
   private:
     const Process& mProcess;
@@ -118,7 +112,7 @@ struct Page {
 constexpr Page kPages[] = {
     {"Welcome", "Welcome."},
     {"MIT License", "The licence."},
-    {"Plug-in", "The components; the simulator only for those who want it."},
+    {"Choose Components", "The components; the simulator only for those who want it."},
     {"Destination Folder", "The folder."},
     {"load points", "The installations of Creo, each with its machine type."},
     {"Check this seat", "Done; the doctor can look at the seat at once."},
@@ -126,7 +120,7 @@ constexpr Page kPages[] = {
 
 void showPages(Stage& stage, Step& step, const Process& process) {
     const Installer installer(process);
-    int seen = 0;
+    std::size_t seen = 0;
     for (const Page& page : kPages) {
         if (!installer.isAt(page.text)) throw std::runtime_error("no page with \"" + std::string(page.text) + "\"");
         ++seen;
