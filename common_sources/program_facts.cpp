@@ -12,7 +12,6 @@
 #include <windows.h>
 #endif
 
-
 namespace {
 
 enum class Module { plugin, host };

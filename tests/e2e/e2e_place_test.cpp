@@ -161,13 +161,7 @@ TEST_F(DriverLibrary, MissingOrdinalsFailAlone) {
     EXPECT_TRUE(isConnected(bench));
     EXPECT_TRUE(waitFor([&] { return bench.log().find("Error in obGetAdvancedSettings()!") != std::string::npos; }));
     // The mode cannot be told, the legacy channel cannot be asked for; what the cap does is read all the same.
-    bench.host("model GEARBOX.ASM");
-    bench.host("menu click Toggle Move Mode");
-    bench.host("select 41");
-    const auto before = bench.host("positions");
-    bench.daemon("axes 100 0 0 0 0 0");
-    EXPECT_TRUE(waitFor([&] { return bench.host("positions") != before; }));
-    bench.daemon("axes 0 0 0 0 0 0");
+    EXPECT_TRUE(capMovesComponent(bench));
     EXPECT_EQ(bench.daemonStatus("modes_told"), "0");
     EXPECT_EQ(bench.daemonStatus("legacy_sets"), "0");
 }

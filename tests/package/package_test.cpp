@@ -145,13 +145,7 @@ class Seat : public testing::Test {
         ASSERT_TRUE(waitFor([&] { return bench.daemonStatus("application") == "xtopCreo"; })) << bench.hostOutput();
         const auto menus = bench.host("menus");
         EXPECT_NE(std::ranges::find(menus, "Orbikon"), menus.end());
-        bench.host("model GEARBOX.ASM");
-        bench.host("menu click Toggle Move Mode");
-        bench.host("select 41");
-        const auto before = bench.host("positions");
-        bench.daemon("axes 100 0 0 0 0 0");
-        EXPECT_TRUE(waitFor([&] { return bench.host("positions") != before; }));
-        bench.daemon("axes 0 0 0 0 0 0");
+        EXPECT_TRUE(capMovesComponent(bench));
     }
     void expectMoves(const fs::path& loadPoint) {
         Workbench bench(hostOptions(loadPoint));
@@ -251,30 +245,11 @@ TEST_F(Seat, ForOneUser) {
     EXPECT_FALSE(fs::exists(profile / "OrbikonController"));
 }
 
-struct Dialog {
-    DWORD process;
-    int button;
-    HWND found;
-};
-
-BOOL CALLBACK takeDialogWithButton(HWND window, LPARAM parameter) {
-    auto& dialog = *reinterpret_cast<Dialog*>(parameter);
-    DWORD owner = 0;
-    GetWindowThreadProcessId(window, &owner);
-    if (owner != dialog.process || !IsWindowVisible(window) || GetDlgItem(window, dialog.button) == nullptr)
-        return TRUE;
-    dialog.found = window;
-    return FALSE;
-}
-
 // Waits for a window of the process with this button, and presses it.
 bool press(const workbench::Process& process, int button) {
-    Dialog dialog{process.id(), button, nullptr};
-    waitFor([&] {
-        EnumWindows(takeDialogWithButton, reinterpret_cast<LPARAM>(&dialog));
-        return dialog.found != nullptr;
-    });
-    return PostMessageA(dialog.found, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0) && dialog.found != nullptr;
+    HWND window = nullptr;
+    waitFor([&] { return (window = process.windowWith(button)) != nullptr; });
+    return window != nullptr && PostMessageA(window, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
 }
 
 TEST_F(Seat, CancellingChangesNothing) {

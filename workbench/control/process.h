@@ -38,6 +38,9 @@ class Process {
     // Waits for the process to end; its exit code, or nothing when it still runs after the time-out.
     std::optional<DWORD> waitForExit(int timeoutMs) const;
 
+    // A visible window of the process that has a control with this id; null when there is none.
+    HWND windowWith(int control) const;
+
     // Ends the process abruptly and waits until it is gone.
     void kill();
 

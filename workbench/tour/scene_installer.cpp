@@ -50,26 +50,6 @@ std::string textsIn(HWND window) {
     return texts;
 }
 
-struct Search {
-    DWORD process;
-    HWND found;
-};
-
-BOOL CALLBACK takeIfWanted(HWND window, LPARAM parameter) {
-    auto& wanted = *reinterpret_cast<Search*>(parameter);
-    DWORD owner = 0;
-    GetWindowThreadProcessId(window, &owner);
-    if (owner != wanted.process || !IsWindowVisible(window) || GetDlgItem(window, kNextButton) == nullptr) return TRUE;
-    wanted.found = window;
-    return FALSE;
-}
-
-HWND windowOf(const Process& process) {
-    Search search{process.id(), nullptr};
-    EnumWindows(takeIfWanted, reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
-
 BOOL CALLBACK uncheck(HWND child, LPARAM) {
     const auto kind = GetWindowLongA(child, GWL_STYLE) & BS_TYPEMASK;
     char name[16] = "";
@@ -80,9 +60,8 @@ BOOL CALLBACK uncheck(HWND child, LPARAM) {
 
 class Installer {
   public:
-    explicit Installer(const Process& process) : mProcess(process) {
-        waitFor([&] { return windowOf(mProcess) != nullptr; });
-        mWindow = windowOf(mProcess);
+    explicit Installer(const Process& process) {
+        waitFor([&] { return (mWindow = process.windowWith(kNextButton)) != nullptr; });
         if (mWindow == nullptr) throw std::runtime_error("the installer shows no window");
     }
 
@@ -101,7 +80,6 @@ class Installer {
     void uncheckAll() const { EnumChildWindows(mWindow, uncheck, 0); }
 
   private:
-    const Process& mProcess;
     HWND mWindow = nullptr;
 };
 

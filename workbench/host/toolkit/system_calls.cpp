@@ -99,7 +99,8 @@ void watchSystemCallsOf(HMODULE module) {
         auto* slot = at<IMAGE_THUNK_DATA>(module, library->FirstThunk);
         for (; name->u1.AddressOfData != 0; ++name, ++slot) {
             if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            void* watcher = watcherOf(at<IMAGE_IMPORT_BY_NAME>(module, static_cast<DWORD>(name->u1.AddressOfData))->Name);
+            void* watcher =
+                watcherOf(at<IMAGE_IMPORT_BY_NAME>(module, static_cast<DWORD>(name->u1.AddressOfData))->Name);
             if (watcher != nullptr) replace(slot, watcher);
         }
     }
