@@ -75,13 +75,20 @@ bool hasIcon(const fs::path& program) {
 
 constexpr wchar_t kFolderName[] = L"orbikon seat ";
 
+constexpr wchar_t kProgramsKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\OrbikonCreo";
+
+// A text of the entry in "Programs and Features"; empty when there is none.
+std::wstring entryInPrograms(HKEY root, const wchar_t* name) {
+    wchar_t text[MAX_PATH] = L"";
+    DWORD size = sizeof text;
+    RegGetValueW(root, kProgramsKey, name, RRF_RT_REG_SZ, nullptr, text, &size);
+    return text;
+}
+
 // What a test that was cut off has left in the list of programs; no other installation is touched.
 void forgetCutOffTest(HKEY root) {
-    constexpr wchar_t kKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\OrbikonCreo";
-    wchar_t folder[MAX_PATH] = L"";
-    DWORD size = sizeof folder;
-    RegGetValueW(root, kKey, L"InstallLocation", RRF_RT_REG_SZ, nullptr, folder, &size);
-    if (std::wstring(folder).find(kFolderName) != std::wstring::npos) RegDeleteTreeW(root, kKey);
+    if (entryInPrograms(root, L"InstallLocation").find(kFolderName) == std::wstring::npos) return;
+    RegDeleteTreeW(root, kProgramsKey);
 }
 
 class Seat : public testing::Test {
@@ -170,6 +177,13 @@ TEST_F(Seat, TwoLoadPointsFromInstallationToRemoval) {
         EXPECT_TRUE(fs::exists(folder / name)) << name;
     }
     EXPECT_FALSE(fs::exists(folder / "simulator")) << "nobody has chosen it";
+    EXPECT_EQ(entryInPrograms(HKEY_LOCAL_MACHINE, L"InstallLocation"), folder.wstring());
+    EXPECT_NE(entryInPrograms(HKEY_LOCAL_MACHINE, L"Publisher"), L"");
+    const std::string version = utf8(entryInPrograms(HKEY_LOCAL_MACHINE, L"DisplayVersion")).c_str();
+    EXPECT_NE(setupProgram().filename().string().find("-" + version + "-"), std::string::npos) << version;
+    DWORD kilobytes = 0, size = sizeof kilobytes;
+    RegGetValueW(HKEY_LOCAL_MACHINE, kProgramsKey, L"EstimatedSize", RRF_RT_REG_DWORD, nullptr, &kilobytes, &size);
+    EXPECT_GT(kilobytes, fs::file_size(folder / "x86" / "orbikon_creo.dll") / 1024);
     EXPECT_NE(bytesOf(folder / "docs" / "user-guide.md").find("\r\n"), std::string::npos);
     expectMoves(load32);
     expectMoves(load64);
@@ -196,6 +210,7 @@ TEST_F(Seat, TwoLoadPointsFromInstallationToRemoval) {
     EXPECT_EQ(filesBelow(load32 / "text"), std::vector<std::string>{"protk.dat"});
     EXPECT_EQ(filesBelow(load64 / "text"), std::vector<std::string>{}) << "a file that was made for the entry goes";
     EXPECT_TRUE(fs::exists(settings)) << "not asked to remove it";
+    EXPECT_EQ(entryInPrograms(HKEY_LOCAL_MACHINE, L"DisplayName"), L"");
 }
 
 TEST_F(Seat, FilesInUseAreSaidAndNothingChanges) {
