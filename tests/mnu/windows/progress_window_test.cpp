@@ -69,7 +69,8 @@ TEST(ProgressWindow, HasItsPlaceAndStaysOnTop) {
     const auto icon = reinterpret_cast<ULONG_PTR>(LoadIconA(nullptr, IDI_APPLICATION));
     EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HICON), icon);
     EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HICONSM), icon);
-    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HCURSOR), reinterpret_cast<ULONG_PTR>(LoadCursorA(nullptr, IDC_ARROW)));
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HCURSOR),
+              reinterpret_cast<ULONG_PTR>(LoadCursorA(nullptr, IDC_ARROW)));
     constexpr LONG kChildStyle = WS_CHILD | WS_VISIBLE | WS_GROUP;
     EXPECT_EQ(GetWindowLongA(findText(), GWL_STYLE) & kChildStyle, kChildStyle);
     EXPECT_EQ(GetWindowLongA(findBar(), GWL_STYLE) & kChildStyle, WS_CHILD | WS_VISIBLE);
