@@ -13,7 +13,11 @@
 #include "tests/unit/scratch.h"
 
 // The program's own entry for a function of Windows, which the loader has filled in.
+#ifdef _WIN64
+extern void* gCreateWindow asm("__imp_CreateWindowExA");
+#else
 extern void* gCreateWindow asm("__imp__CreateWindowExA@48");
+#endif
 
 namespace {
 
