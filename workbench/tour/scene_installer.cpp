@@ -89,7 +89,7 @@ struct Page {
 };
 constexpr Page kPages[] = {
     {"Welcome", "Welcome."},
-    {"MIT License", "The licence."},
+    {"License Agreement", "The licence."},
     {"Choose Components", "The components; the simulator only for those who want it."},
     {"Destination Folder", "The folder."},
     {"load points", "The installations of Creo, each with its machine type."},
