@@ -77,7 +77,7 @@ void checkImports(const Seat& seat, Findings& findings) {
         if (!isFound) missing += (missing.empty() ? "" : ", ") + library;
     }
     findings.tell("plugin.imports", missing.empty(),
-                  missing.empty() ? seat::counted(seat.pluginFile->imports.size(), "library") + " needed, all found"
+                  missing.empty() ? seat::counted(seat.pluginFile->imports.size(), "file") + " needed, all found"
                                   : "needed and not found: " + missing);
 }
 

@@ -50,6 +50,15 @@ std::string textsIn(HWND window) {
     return texts;
 }
 
+bool isOneColour(const Picture& picture) {
+    return picture.countNear(picture.pixel(0, 0), 0) == picture.width() * picture.height();
+}
+
+// A text that was not drawn yet ends the enumeration.
+BOOL CALLBACK isTextDrawn(HWND child, LPARAM) {
+    return !IsWindowVisible(child) || textOf(child).empty() || !isOneColour(Picture::ofWindow(child));
+}
+
 BOOL CALLBACK uncheck(HWND child, LPARAM) {
     const auto kind = GetWindowLongA(child, GWL_STYLE) & BS_TYPEMASK;
     char name[16] = "";
@@ -68,10 +77,11 @@ class Installer {
     HWND window() const { return mWindow; }
     std::string texts() const { return textsIn(mWindow); }
 
-    // Waits for a page on which this text stands, and on which one can go on.
+    // Waits for a page on which this text stands, on which one can go on, and which can be seen.
     bool isAt(const std::string& text) const {
         return waitFor([&] {
-            return texts().find(text) != std::string::npos && IsWindowEnabled(GetDlgItem(mWindow, kNextButton));
+            return texts().find(text) != std::string::npos && IsWindowEnabled(GetDlgItem(mWindow, kNextButton)) &&
+                   EnumChildWindows(mWindow, isTextDrawn, 0);
         });
     }
     void goOn() const { PostMessageA(mWindow, WM_COMMAND, MAKEWPARAM(kNextButton, BN_CLICKED), 0); }
@@ -114,8 +124,8 @@ void showPages(Stage& stage, Step& step, const Process& process) {
 void consultDoctor(Stage& stage, Step& step, const fs::path& folder, const fs::path& loadPoint) {
     Workbench& bench = stage.bench();
     const fs::path output = bench.folder() / "doctor.txt";
-    const Process doctor =
-        bench.start(folder / "tools" / kDoctor, {"--load-point", loadPoint.string(), "--verbose"}, output);
+    const Process doctor = bench.start(folder / "tools" / kDoctor, {"--load-point", loadPoint.string(), "--verbose"},
+                                       output, kHostEnvironment);
     const auto code = doctor.waitForExit(kPatienceMs);
     step.excerpt = readTextFile(output);
     step.check("Exit code of the doctor", "", code ? std::to_string(*code) : "-", "0, or 1 with warnings",
