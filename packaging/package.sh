@@ -90,6 +90,9 @@ files_macros() {
 }
 
 step 'Package'
+# In place of the time of day wherever a file takes one.
+commit_time=$(git log -1 --format=%ct 2>/dev/null || echo 315619200)
+export SOURCE_DATE_EPOCH=$commit_time TZ=UTC
 rm -rf "$package" "$work"
 mkdir -p "$package" "$work"
 collect
@@ -103,8 +106,6 @@ done
 [ -z "$unlock" ] || over_each "$unlock" "$work/plugin32/x86/orbikon_creo.dll" "$work/plugin64/x64/orbikon_creo.dll"
 [ -z "$sign" ] || over_each "$sign" "${all[@]}"
 
-commit_time=$(git log -1 --format=%ct 2>/dev/null || echo 315619200)
-export SOURCE_DATE_EPOCH=$commit_time TZ=UTC
 find "$work" -type f -exec chmod 644 {} +
 find "$work" -exec touch -h -d "@$commit_time" {} +
 files_macros >"$work/files.nsh"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds a commit in two folders of different names, and compares what is shipped, to the byte: plug-in and tools of both
-# bit widths.
+# Makes the package of a commit in two folders of different names, and compares what comes out, to the byte: each file of
+# it, zip and installer.
 #
 #   scripts/reproducible.sh [COMMIT]     default: HEAD
 set -euo pipefail
@@ -11,30 +11,21 @@ unset CMAKE_CXX_COMPILER_LAUNCHER  # a compiler cache would compare the first bu
 scratch=$(mktemp -d)
 folders=("$scratch/one" "$scratch/another, longer")
 trap 'for folder in "${folders[@]}"; do git worktree remove --force "$folder" 2>/dev/null || true; done; rm -rf "$scratch"' EXIT
-artefacts=(windows-x86/orbikon_creo.dll windows-x86/mnu_make.exe windows-x86/orbikon_doctor.exe
-           windows-x64/orbikon_creo.dll windows-x64/orbikon_doctor.exe)
 for folder in "${folders[@]}"; do
+    step "Package in $folder"
     git worktree add --quiet --detach "$folder" "${1:-HEAD}"
-    for preset in windows-x86 windows-x64; do
-        step "$preset in $folder"
-        targets=()
-        for artefact in "${artefacts[@]}"; do
-            [[ $artefact != "$preset"/* ]] || targets+=("$(basename "${artefact%.*}")")
-        done
-        (cd "$folder" && cmake --preset "$preset" -DORBIKON_TESTS=OFF >/dev/null &&
-            cmake --build --preset "$preset" --target "${targets[@]}" >"$scratch/log") ||
-            { tail -n 40 "$scratch/log"; exit 1; }
-    done
+    "$folder/packaging/package.sh" >"$scratch/log" 2>&1 || { tail -n 40 "$scratch/log"; exit 1; }
 done
 
 step 'Comparison'
 status=0
-for artefact in "${artefacts[@]}"; do
-    if cmp -s "${folders[0]}/build/$artefact" "${folders[1]}/build/$artefact"; then
-        printf 'same       %s\n' "$artefact"
+compare() {  # compare FILE, as it is called below both folders
+    if cmp -s "${folders[0]}/$1" "${folders[1]}/$1"; then
+        printf 'same       %s\n' "$1"
     else
-        printf 'DIFFERENT  %s\n' "$artefact"
+        printf 'DIFFERENT  %s\n' "$1"
         status=1
     fi
-done
+}
+while read -r file; do compare "$file"; done < <(cd "${folders[0]}" && find build/package/*/ out/package -type f | LC_ALL=C sort)
 exit $status
