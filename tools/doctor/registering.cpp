@@ -71,7 +71,7 @@ std::string registeredPath(const fs::path& path) {
 }
 
 std::string machineTypeOf(const fs::path& loadPoint) {
-    const std::string type = seat::findHost(loadPoint).machineType;
+    std::string type = seat::findHost(loadPoint).machineType;
     if (!type.empty()) return type;
     std::error_code ignored;
     for (const char* folder : {kMachine32, kMachine64}) {
@@ -126,7 +126,7 @@ class Registering {
         const bool isBackupDropped = mArguments.has("--drop-backup");
         return updateAll(mFile.empty() ? seat::registrationFilesOf(mLoadPoint) : std::vector<fs::path>(1, mFile),
                          [&](const fs::path& file) {
-                             const auto result = takeOutOf(file);
+                             auto result = takeOutOf(file);
                              std::error_code ignored;
                              const bool isWritten = result.outcome == seat::RegistrationUpdate::Outcome::written;
                              if (isBackupDropped && isWritten) fs::remove(seat::registrationBackup(file), ignored);
