@@ -43,7 +43,7 @@ if(WIN32)
   endif()
   add_compile_definitions(WINVER=0x0601 _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
   # Two builds of a commit give the same bytes: no time stamps, no paths of this machine.
-  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build)
+  add_compile_options(-fdebug-prefix-map=${PROJECT_SOURCE_DIR}=. -fdebug-prefix-map=${CMAKE_BINARY_DIR}=build)
   add_link_options(-Wl,--no-insert-timestamp)
   # Compiler, C++ and thread run-times are linked in: nothing but Windows' own libraries is imported.
   add_link_options(-static -static-libgcc -static-libstdc++)
