@@ -8,6 +8,7 @@
 #include "common_sources/command_text.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/edge.h"
+#include "common_sources/profile_folder.h"
 #include "common_sources/settings.h"
 #include "toolkit/pro_toolkit.h"
 
@@ -22,10 +23,10 @@ constexpr LPARAM kKeyPressed = 1;  // repeat count
 constexpr LPARAM kKeyReleased = static_cast<LPARAM>(0xC0000001);
 
 std::string tempFolder() {
-    char path[kTempPathSize + 1] = "";
-    const DWORD size = GetTempPathA(kTempPathSize, path);
+    wchar_t path[kTempPathSize + 1] = L"";
+    const DWORD size = GetTempPathW(kTempPathSize, path);
     if (size == 0 || size > kTempPathSize) OB_LOG(LogLevel::ERR) << "Error in GetTempPathA()!";
-    std::string folder(path);
+    std::string folder = narrowPath(path);
     if (!folder.ends_with('\\')) folder += '\\';
     return folder;
 }

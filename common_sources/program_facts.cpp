@@ -1,5 +1,7 @@
 #include "common_sources/program_facts.h"
 
+#include <generated/build_commit.h>
+#include <generated/version.h>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -9,9 +11,6 @@
 #ifdef _WIN32
 #include <windows.h>
 #endif
-
-#include "common_sources/build_commit.h"
-#include "common_sources/version.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include "common_sources/settings.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <iomanip>
 #include <iterator>
@@ -9,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "common_sources/profile_folder.h"
 #include "common_sources/settings_value.h"
 #include "config/cnfg.h"
 #include "config/new_file.h"
@@ -80,11 +80,6 @@ constexpr Key<LoggingParameters> kLoggingKeys[] = {
     {"fileToLog", &LoggingParameters::mExclFileToLog, "# name of the exclusively logged file", "  mExclFileToLog: "},
 };
 
-std::string environmentVariable(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
 void assign(std::string& member, const std::string& text) { member = text; }
 void assign(std::int32_t& member, const std::string& text) { member = leadingInteger(text); }
 void assign(bool& member, const std::string& text) { member = isSwitchedOn(text); }
@@ -107,7 +102,7 @@ void writeKeyLine(std::ostream& out, const Record& record, const Key<Record>& ke
 }  // namespace
 
 Settings::Settings() {
-    mProductDirPath = environmentVariable("USERPROFILE") + kPathSeparator + kProductDir;
+    mProductDirPath = profileFolder() + kPathSeparator + kProductDir;
     mSettingsDirPath = mProductDirPath + kPathSeparator + kApplicationsDir;
     mSettingsFilePath = mSettingsDirPath + kPathSeparator + kSettingsFile;
     OB_LOG(LogLevel::INF) << "Settings file: " << mSettingsFilePath;

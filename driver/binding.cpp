@@ -18,7 +18,6 @@ namespace {
 
 constexpr char kLogClass[] = "Driver";
 
-constexpr char kLibraryName[] = "obk_ctrlr_32.dll";
 constexpr DWORD kLongestPath = 32768;  // characters, with the end
 constexpr int kNotBound = -1;
 constexpr DWORD kFailedReadPauseMs = 10;  // keeps a reading loop without a pause of its own from burning a core
@@ -66,7 +65,7 @@ void tellFailures(const std::vector<DriverSearch::Failure>& failures) {
 
 void tellMissingOrdinals(HMODULE module) {
     for (const auto ordinal : missingOrdinals(module)) {
-        OB_LOG(LogLevel::WRN) << kLibraryName << " has no ordinal " << ordinal
+        OB_LOG(LogLevel::WRN) << kDriverLibrary << " has no ordinal " << ordinal
                               << ", what it is needed for fails; install the current version of the device's software.";
     }
 }
@@ -75,7 +74,7 @@ void loadLibraryIfMissing() {
     if (library.load() != nullptr) return;
     const DriverSearch search = loadDriver(driverPlaces(fileOf(ownModule()), fileOf(nullptr)));
     if (search.library == nullptr) {
-        OB_LOG(LogLevel::WRN) << kLibraryName << " not found.";
+        OB_LOG(LogLevel::WRN) << kDriverLibrary << " not found.";
         tellFailures(search.failures);
         return;
     }
@@ -84,7 +83,7 @@ void loadLibraryIfMissing() {
         FreeLibrary(search.library);
         return;
     }
-    OB_LOG(LogLevel::INF) << kLibraryName << " loaded.";
+    OB_LOG(LogLevel::INF) << kDriverLibrary << " loaded.";
     tellMissingOrdinals(search.library);
 }
 

@@ -1,6 +1,6 @@
-// The ten operations of the driver library obk_ctrlr_32 that the plug-in uses: C linkage, cdecl, exported by ordinal
-// only. The plug-in's definitions (binding.cpp) find them in the library at run time; a test links a substitute that
-// defines the same functions; the workbench's library exports its own.
+// The ten operations of the driver library (obk_ctrlr_32, in 64-bit hosts obk_ctrlr_64) that the plug-in uses: C
+// linkage, cdecl, exported by ordinal only. The plug-in's definitions (binding.cpp) find them in the library at run
+// time; a test links a substitute that defines the same functions; the workbench's library exports its own.
 //
 // Common to all operations:
 //  - Result: signed 32-bit status, 0 = success, anything else = failure. None throws.
@@ -11,6 +11,12 @@
 
 #include <cstddef>
 #include <cstdint>
+
+#ifdef _WIN64
+inline constexpr char kDriverLibrary[] = "obk_ctrlr_64.dll";  // with the same ordinals and records
+#else
+inline constexpr char kDriverLibrary[] = "obk_ctrlr_32.dll";
+#endif
 
 // Event codes of obReadDeviceData.
 inline constexpr std::int32_t kEventSettingsChanged1 = 0x20001;

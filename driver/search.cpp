@@ -1,5 +1,7 @@
 #include "driver/search.h"
 
+#include <iterator>
+
 #include "driver/obk_ctrlr.h"
 
 namespace {
@@ -36,9 +38,10 @@ HMODULE loadQuietly(const std::wstring& file, DWORD& code) {
 }  // namespace
 
 std::vector<std::wstring> driverPlaces(const std::wstring& pluginFile, const std::wstring& hostFile) {
+    const std::wstring name(std::begin(kDriverLibrary), std::end(kDriverLibrary) - 1);
     std::vector<std::wstring> places;
     for (const auto& folder : {folderOf(pluginFile), folderOf(hostFile), systemFolder()}) {
-        if (!folder.empty()) places.push_back(folder + kDriverLibrary);
+        if (!folder.empty()) places.push_back(folder + name);
     }
     return places;
 }

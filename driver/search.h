@@ -7,8 +7,6 @@
 #include <string>
 #include <vector>
 
-inline constexpr wchar_t kDriverLibrary[] = L"obk_ctrlr_32.dll";
-
 // The places for a plug-in and a host with these files: the folder of the one, of the other, the system's; empty ones
 // are left out. Never the current directory, never along PATH.
 std::vector<std::wstring> driverPlaces(const std::wstring& pluginFile, const std::wstring& hostFile);

@@ -1,16 +1,32 @@
 #!/usr/bin/env bash
-# Installs what the build and the workbench need on a Debian 12 machine. Does nothing, and asks apt nothing, when
-# all of it is there. Sourced or run by ./run and ./test; works as root or through sudo.
+# Installs what is needed on a Debian 12 machine. Does nothing, and asks apt nothing, when all of it is there. Run by
+# ./run, ./test and packaging/package.sh; works as root or through sudo.
 #
-#   scripts/setup.sh            everything that ./test needs
-#   scripts/setup.sh run        only what ./run needs (no sanitizers, linters, fuzzers)
+#   scripts/setup.sh NEED...     suites of ./test, "run", "run-x64" or "packaging"
 set -euo pipefail
 exec 5>&-  # the lock of the run that has started this: no service that apt starts may keep it
 
-run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest nlohmann-json3-dev xvfb fonts-wine)
-test_packages=(clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev)
-wine_packages=(wine wine32:i386)
 lock_timeout=300  # seconds to wait for another installation on this machine
+
+native_build=(cmake ninja-build g++ googletest libbenchmark-dev nlohmann-json3-dev)
+windows_build=(cmake ninja-build g++-mingw-w64-i686-posix googletest nlohmann-json3-dev)
+x64_build=(g++-mingw-w64-x86-64-posix)
+display=(xvfb fonts-wine)
+wine_packages=(wine wine32:i386)  # of one source: libraries for two architectures must have one version
+
+packages_for() {  # packages_for NEED
+    case $1 in
+        lint) echo "${native_build[@]}" clang-format clang-tidy ;;
+        linux) echo "${native_build[@]}" ;;
+        linux-asan | linux-tsan) echo "${native_build[@]}" ;;
+        linux-fuzz) echo "${native_build[@]}" clang libclang-rt-14-dev ;;
+        windows-x86 | run) echo "${windows_build[@]}" "${display[@]}" "${wine_packages[@]}" ;;
+        windows-x64 | run-x64) echo "${windows_build[@]}" "${x64_build[@]}" "${display[@]}" "${wine_packages[@]}" wine64 ;;
+        packaging) echo "${windows_build[@]}" "${x64_build[@]}" nsis zip ;;
+        package) echo "$(packages_for windows-x64) $(packages_for packaging)" ;;
+        *) die "nothing is known of the need '$1'" ;;
+    esac
+}
 
 say() { printf '[setup] %s\n' "$*"; }
 die() { printf '[setup] error: %s\n' "$*" >&2; exit 1; }
@@ -60,8 +76,8 @@ install_missing() {
     as_root apt-get update >"$log" 2>&1 || say "apt-get update reported errors; going on with the lists there are"
     local native=() foreign=() package
     for package in "${missing[@]}"; do
-        # "wine" comes with wine32: alone it would bring the 64-bit Wine, which nobody needs here.
-        case $package in wine | *:i386) foreign+=("$package") ;; *) native+=("$package") ;; esac
+        # "wine" comes with wine32: alone it would bring the 64-bit Wine.
+        case $package in wine | wine64 | *:i386) foreign+=("$package") ;; *) native+=("$package") ;; esac
     done
     if [ ${#native[@]} -gt 0 ]; then
         apt_install "$log.native" -- "${native[@]}" ||
@@ -70,10 +86,12 @@ install_missing() {
             { tail -n 15 "$log.native" "$log.native.main" >&2 2>/dev/null; die "could not install ${native[*]}"; }
     fi
     if [ ${#foreign[@]} -gt 0 ]; then
-        apt_install "$log.i386" -- "${wine_packages[@]}" ||
+        local wine=("${wine_packages[@]}")
+        [[ " ${foreign[*]} " != *' wine64 '* ]] || wine+=(wine64)
+        apt_install "$log.i386" -- "${wine[@]}" ||
             { say "the 32-bit packages do not install the usual way (their security index lags);" \
                   "falling back to the main suite alone"
-              install_from_main_suite "$log.i386" "${wine_packages[@]}"; } ||
+              install_from_main_suite "$log.i386" "${wine[@]}"; } ||
             { tail -n 15 "$log.i386" "$log.i386.main" >&2 2>/dev/null
               die "the 32-bit Wine packages (${foreign[*]}) cannot be had on this machine;" \
                   "nothing of the plug-in can be run or tested without them"; }
@@ -84,8 +102,14 @@ install_missing() {
     say "packages installed"
 }
 
-wanted=("${run_packages[@]}" "${wine_packages[@]}")
-[ "${1:-all}" = run ] || wanted+=("${test_packages[@]}")
+[ $# -gt 0 ] || die 'say what is needed'
+wanted=()
+for need in "$@"; do
+    packages=$(packages_for "$need")
+    for package in $packages; do
+        [[ " ${wanted[*]} " == *" $package "* ]] || wanted+=("$package")
+    done
+done
 missing=()
 for package in "${wanted[@]}"; do is_installed "$package" || missing+=("$package"); done
 if [ ${#missing[@]} -gt 0 ]; then

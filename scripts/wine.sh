@@ -2,17 +2,25 @@
 # Runs a Windows program under Wine with a prefix of the project's own, on an X server of its own when there is no
 # display. CTest starts every Windows test through this script; ./run uses it too.
 #
-#   scripts/wine.sh PROGRAM [ARGUMENT...]
+#   scripts/wine.sh [--bits 32|64] PROGRAM [ARGUMENT...]
 #   scripts/wine.sh --stop      ends what still runs in the prefix, and its X server
 #
-#   ORBIKON_WINEPREFIX   folder of the Wine prefix (default: build/wine in this checkout)
+#   --bits 64            in a prefix for 64-bit programs (and 32-bit ones); default 32
+#   ORBIKON_WINEPREFIX   folder of the Wine prefix (default: build/wine or build/wine64 in this checkout)
 #   ORBIKON_DISPLAY      use this X display (":0" and the like) instead of a virtual one
 set -euo pipefail
 exec 5>&-  # the lock of the run that has started this
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export WINEPREFIX=${ORBIKON_WINEPREFIX:-$root/build/wine}
+bits=32
+if [ "${1:-}" = --bits ]; then
+    bits=$2
+    shift 2
+fi
+prefix=wine
+[ "$bits" = 32 ] || prefix=wine64
+export WINEPREFIX=${ORBIKON_WINEPREFIX:-$root/build/$prefix}
 # winemenubuilder would put menu entries and file types into the user's home.
-export WINEARCH=win32 WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=' WINEDEBUG=${WINEDEBUG:--all}
+export WINEARCH=win$bits WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=' WINEDEBUG=${WINEDEBUG:--all}
 # Whatever the user's locale is: file names of any kind, and English as the language of the system.
 export LANG=C.UTF-8 LC_ALL=C.UTF-8
 mkdir -p "$(dirname "$WINEPREFIX")"

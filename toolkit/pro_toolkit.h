@@ -1,6 +1,6 @@
-// Declarations of the Creo toolkit functions that the plug-in calls, written by hand: C linkage, cdecl, 32-bit x86
-// record layouts. The plug-in's definitions (pro_toolkit.cpp) find each function by its undecorated name in the
-// running host; the workbench's host defines and exports the same names itself.
+// Declarations of the Creo toolkit functions that the plug-in calls, written by hand: C linkage, cdecl, the record
+// layouts of 32-bit x86 or of 64-bit hosts. The plug-in's definitions (pro_toolkit.cpp) find each function by its
+// undecorated name in the running host; the workbench's host defines and exports the same names itself.
 //
 // Common to all functions:
 //  - Result: ProError, 0 = done. In the plug-in a function that the host does not export answers
@@ -63,7 +63,10 @@ struct ProAsmcomppath {
     int table_num;
 };
 
-#if defined(__i386__)
+#ifdef _WIN64
+static_assert(sizeof(ProFeature) == 16 && sizeof(ProAsmcomppath) == 112 && sizeof(ProMatrix) == 128,
+              "record layouts are fixed by the host");
+#elif defined(_WIN32)
 static_assert(sizeof(ProFeature) == 12 && sizeof(ProAsmcomppath) == 108 && sizeof(ProMatrix) == 128,
               "record layouts are fixed by the host");
 #endif

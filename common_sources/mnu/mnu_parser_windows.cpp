@@ -23,7 +23,10 @@ constexpr double kFileWritten = 0.999999;
 class ResourceLibrary {
   public:
     explicit ResourceLibrary(const std::string& path)
-        : mModule(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE)) {}
+        : mModule(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE)) {
+        // A system of the other bit width may refuse to map it as an image.
+        if (mModule == nullptr) mModule = LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    }
     ~ResourceLibrary() {
         if (mModule) FreeLibrary(mModule);
     }

@@ -17,7 +17,7 @@ Function* functionIn(HMODULE module, const char* name) {
 
 template <typename Function>
 Function* inDriver(ObOrdinal ordinal) {
-    return functionIn<Function>(LoadLibraryW(L"obk_ctrlr_32.dll"), MAKEINTRESOURCEA(static_cast<WORD>(ordinal)));
+    return functionIn<Function>(LoadLibraryA(kDriverLibrary), MAKEINTRESOURCEA(static_cast<WORD>(ordinal)));
 }
 
 unsigned __stdcall sleepForEver(void*) {

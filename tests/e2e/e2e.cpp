@@ -30,6 +30,17 @@ workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std
     return options;
 }
 
+bool capMovesComponent(Workbench& bench) {
+    bench.host("model GEARBOX.ASM");
+    bench.host("menu click Toggle Move Mode");
+    bench.host("select 41");
+    const auto before = bench.host("positions");
+    bench.daemon("axes 100 0 0 0 0 0");
+    const bool hasMoved = waitFor([&] { return bench.host("positions") != before; });
+    bench.daemon("axes 0 0 0 0 0 0");
+    return hasMoved;
+}
+
 std::string bytesOf(const std::filesystem::path& file) {
     std::ostringstream bytes;
     bytes << std::ifstream(file, std::ios::binary).rdbuf();

@@ -40,6 +40,9 @@ workbench::WorkbenchOptions optionsWith(std::optional<std::string> settings, std
 // What is in a file, to the byte; nothing when it cannot be opened.
 std::string bytesOf(const std::filesystem::path& file);
 
+// Whether a component of the sample assembly follows the cap. Component move mode must be off before.
+bool capMovesComponent(Workbench& bench);
+
 // A workbench whose daemon and host run, the plug-in loaded.
 class Bench : public Workbench {
   public:

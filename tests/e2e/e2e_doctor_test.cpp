@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "driver/obk_ctrlr.h"
 #include "tests/e2e/e2e.h"
 #include "workbench/control/plugin_settings.h"
 
@@ -13,7 +14,6 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr char kDriverFile[] = "obk_ctrlr_32.dll";
 constexpr char kMark[] = "\xEF\xBB\xBF";
 
 // A seat in a workbench's folder: an installation of the plug-in of its own, registered there.
@@ -69,8 +69,8 @@ TEST(Doctor, DaemonAndDriverLibrary) {
     EXPECT_EQ(seat.ids(), Ids{}) << seat.printed;
     EXPECT_THAT(seat.printed, HasSubstr("1 device, "));
 
-    const fs::path library = seat.plugin.parent_path() / kDriverFile;  // found before the host's
-    fs::copy_file(workbench::buildFolder() / "tests" / "partial_driver" / kDriverFile, library);
+    const fs::path library = seat.plugin.parent_path() / kDriverLibrary;  // found before the host's
+    fs::copy_file(workbench::buildFolder() / "tests" / "partial_driver" / kDriverLibrary, library);
     const Ids partial = seat.ids();
     EXPECT_THAT(partial, testing::Contains("driver.ordinals")) << seat.printed;
     // A damaged one is passed over, and the next place's is taken.
@@ -242,8 +242,8 @@ TEST(Mistakes, OfDriverAndDaemonAreNamedInTheLogAndByTheDoctor) {
         EXPECT_THAT(seat.ids(), testing::Contains(id)) << seat.printed;
     };
     DoctorSeat seat;
-    const fs::path library = seat.plugin.parent_path() / kDriverFile;  // found before the host's
-    fs::copy_file(workbench::buildFolder() / "tests" / "partial_driver" / kDriverFile, library);
+    const fs::path library = seat.plugin.parent_path() / kDriverLibrary;  // found before the host's
+    fs::copy_file(workbench::buildFolder() / "tests" / "partial_driver" / kDriverLibrary, library);
     std::ofstream(seat.settingsFile(), std::ios::binary) << workbench::settingsText({});
     seat.startHost({"--require-plugin", "--hidden"});
     EXPECT_TRUE(waitFor([&] { return seat.log().find("Error in obConnect()!") != std::string::npos; }));

@@ -4,6 +4,7 @@
 #include <optional>
 #include <sstream>
 
+#include "driver/obk_ctrlr.h"
 #include "tests/e2e/e2e.h"
 #include "tests/mnu/large_set.h"
 #include "tests/mnu/windows/resource_dll.h"
@@ -141,7 +142,7 @@ class LargeInstallation : public ::testing::Test {
         const std::filesystem::path resources = loadPoint() / "text" / "compiled_resource";
         std::filesystem::create_directories(loadPoint() / "bin");
         std::filesystem::create_directories(resources);
-        for (const char* file : {"creo_host.exe", "obk_ctrlr_32.dll"}) {
+        for (const char* file : {"creo_host.exe", kDriverLibrary}) {
             std::filesystem::copy_file(creo / "bin" / file, loadPoint() / "bin" / file,
                                        std::filesystem::copy_options::overwrite_existing);
         }

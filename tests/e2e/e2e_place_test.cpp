@@ -3,6 +3,7 @@
 
 #include <tlhelp32.h>
 
+#include "driver/obk_ctrlr.h"
 #include "tests/e2e/e2e.h"
 
 namespace e2e {
@@ -10,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kDriver[] = "obk_ctrlr_32.dll";
+constexpr auto& kDriver = kDriverLibrary;
 constexpr char kRegistry[] = "protk.dat";
 
 // A load point of a test's own with the host in it, and with nothing that the plug-in needs.
@@ -160,13 +161,7 @@ TEST_F(DriverLibrary, MissingOrdinalsFailAlone) {
     EXPECT_TRUE(isConnected(bench));
     EXPECT_TRUE(waitFor([&] { return bench.log().find("Error in obGetAdvancedSettings()!") != std::string::npos; }));
     // The mode cannot be told, the legacy channel cannot be asked for; what the cap does is read all the same.
-    bench.host("model GEARBOX.ASM");
-    bench.host("menu click Toggle Move Mode");
-    bench.host("select 41");
-    const auto before = bench.host("positions");
-    bench.daemon("axes 100 0 0 0 0 0");
-    EXPECT_TRUE(waitFor([&] { return bench.host("positions") != before; }));
-    bench.daemon("axes 0 0 0 0 0 0");
+    EXPECT_TRUE(capMovesComponent(bench));
     EXPECT_EQ(bench.daemonStatus("modes_told"), "0");
     EXPECT_EQ(bench.daemonStatus("legacy_sets"), "0");
 }

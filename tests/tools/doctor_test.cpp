@@ -1,11 +1,11 @@
 // The doctor against installations with one thing wrong in each: exactly that is found, with its status.
 #include <gmock/gmock.h>
 
+#include <generated/version.h>
 #include <functional>
 #include <nlohmann/json.hpp>
 
 #include "common_sources/settings.h"
-#include "common_sources/version.h"
 #include "tests/tools/pe_bytes.h"
 #include "tests/unit/scratch.h"
 #include "tools/doctor/fix.h"

@@ -4,6 +4,7 @@
 
 #include "tests/unit/scratch.h"
 #include "tools/seat/registration_search.h"
+#include "tools/seat/registration_targets.h"
 #include "tools/seat/registration_update.h"
 
 using namespace seat;
@@ -136,6 +137,39 @@ TEST(RegistrationSearch, TheFirstOfANameCountsInCreosOrder) {
     EXPECT_THAT(namedRegistrationFiles("! protkdat x\r\nmdl 1\r\nPROTKDAT  C:\\a b\\protk.dat \r\n"
                                        "toolkit_registry_file old.dat\ntoolkit_registry_file new.dat\n"),
                 testing::ElementsAre("C:\\a b\\protk.dat", "new.dat"));
+}
+
+// Whatever files a load point has: those that Creo reads in some language, each name once, and no others.
+TEST(RegistrationTargets, AreWhatCreoReadsInAnyLanguage) {
+    const std::string text = "text/", german = "i486_nt/text/german/", french = "x86e_win64/text/french/";
+    struct Case {
+        std::vector<std::string> there, targets;
+    };
+    for (const auto& [there, targets] : std::vector<Case>{
+             {{}, {text + "protk.dat"}},
+             {{text + "protk.dat", text + "creotk.dat"}, {text + "protk.dat"}},
+             {{text + "creotk.dat"}, {text + "creotk.dat"}},
+             {{german + "creotk.dat"}, {text + "protk.dat"}},
+             {{text + "creotk.dat", german + "creotk.dat", german + "protk.dat"},
+              {text + "creotk.dat", german + "creotk.dat"}},
+             {{text + "protk.dat", german + "protk.dat", french + "protk.dat", "i486_nt/text/protk.dat"},
+              {text + "protk.dat", german + "protk.dat", french + "protk.dat"}},
+         }) {
+        const ScratchFolder scratch;
+        const auto below = [&](const std::vector<std::string>& names) {
+            std::vector<std::filesystem::path> files;
+            for (const auto& name : names) files.push_back(std::filesystem::path(scratch.path()) / name);
+            return files;
+        };
+        for (const auto& file : below(there)) {
+            std::filesystem::create_directories(file.parent_path());
+            writeFile(file.string(), "");
+        }
+        EXPECT_THAT(registrationTargets(scratch.path()), testing::ElementsAreArray(below(targets)));
+        auto all = below(there);
+        std::erase(all, below({"i486_nt/text/protk.dat"}).front());  // Creo looks there in no language
+        EXPECT_THAT(registrationFilesOf(scratch.path()), testing::UnorderedElementsAreArray(all));
+    }
 }
 
 }  // namespace

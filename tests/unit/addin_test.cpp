@@ -1,4 +1,5 @@
 // Start and end of the plug-in as the host sees them, in whatever order they come and whatever fails.
+#include <generated/version.h>
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -9,7 +10,6 @@
 #include <sys/wait.h>
 #endif
 
-#include "common_sources/version.h"
 #include "tests/substitutes/system.h"
 #include "tests/unit/plugin.h"
 

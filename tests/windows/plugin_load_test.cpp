@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "driver/obk_ctrlr.h"
 #include "tests/unit/scratch.h"
 #include "tests/windows/process_state.h"
 
@@ -126,10 +127,10 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
     EXPECT_LE(threadsNow, threads);
     EXPECT_LE(handlesNow - handles, kMostHandles) << "more than the two threads' handles a round";
     const std::string contents = log();
-    for (const char* text :
-         {"Error in ProCmdOptionAdd()! err=-1", "Error in ProMenubarMenuAdd()! err=-1",
-          "No valid Creo Window Handle found for Timer", "Cannot set Mapkey (ob)! => Normal Methode",
-          "Error in obConnect()!", "obk_ctrlr_32.dll not found.", "user_initialize() called twice!"}) {
+    for (const auto& text : std::vector<std::string>{
+             "Error in ProCmdOptionAdd()! err=-1", "Error in ProMenubarMenuAdd()! err=-1",
+             "No valid Creo Window Handle found for Timer", "Cannot set Mapkey (ob)! => Normal Methode",
+             "Error in obConnect()!", std::string(kDriverLibrary) + " not found.", "user_initialize() called twice!"}) {
         EXPECT_TRUE(contents.find(text) != std::string::npos) << text;
     }
 }
@@ -140,13 +141,13 @@ TEST_F(PluginLoad, StandsADriverInTrouble) {
     constexpr int kReads = 20;
     constexpr ULONGLONG kLeastPauseMs = 9;  // the system's clock ticks that coarsely
     std::filesystem::copy_file(mPath, mProfile.file("plugin.dll"));
-    std::filesystem::copy_file(programFolder() + "\\troubled_driver.dll", mProfile.file("obk_ctrlr_32.dll"));
+    std::filesystem::copy_file(programFolder() + "\\troubled_driver.dll", mProfile.file(kDriverLibrary));
     const HWND window =
         CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     const HMODULE plugin = LoadLibraryA(mProfile.file("plugin.dll").c_str());
     ASSERT_NE(plugin, nullptr) << GetLastError();
     EXPECT_EQ(find<int()>(plugin, "user_initialize")(), 0);
-    const HMODULE driver = GetModuleHandleA("obk_ctrlr_32.dll");
+    const HMODULE driver = GetModuleHandleA(kDriverLibrary);
     ASSERT_NE(driver, nullptr);
     auto* reads = find<int()>(driver, "readsSoFar");
     const auto waitFor = [&](int count) {  // as the host does, for the timer

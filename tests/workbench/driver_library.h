@@ -29,7 +29,7 @@ class DriverLibrary {
     DriverLibrary(const DriverLibrary&) = delete;
     DriverLibrary& operator=(const DriverLibrary&) = delete;
 
-    static std::filesystem::path path() { return buildFolder() / "workbench" / "creo" / "bin" / "obk_ctrlr_32.dll"; }
+    static std::filesystem::path path() { return buildFolder() / "workbench" / "creo" / "bin" / kDriverLibrary; }
     HMODULE handle() const { return mLibrary; }
 
     using Connect = int(int, const char*);

@@ -17,7 +17,7 @@ TEST(DriverLibrary, ExportsTenOrdinalsAndNoName) {
     const DriverLibrary library;
     const auto* base = reinterpret_cast<const std::uint8_t*>(library.handle());
     const auto at = [base](DWORD offset) { return static_cast<const void*>(base + offset); };
-    const auto* headers = static_cast<const IMAGE_NT_HEADERS32*>(
+    const auto* headers = static_cast<const IMAGE_NT_HEADERS*>(
         at(static_cast<DWORD>(static_cast<const IMAGE_DOS_HEADER*>(at(0))->e_lfanew)));
     const auto* exports = static_cast<const IMAGE_EXPORT_DIRECTORY*>(
         at(headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress));

@@ -1,8 +1,8 @@
 // The DLL and its message files.
+#include <generated/version.h>
 #include <algorithm>
 #include <system_error>
 
-#include "common_sources/version.h"
 #include "tools/doctor/seat.h"
 #include "tools/seat/file.h"
 #include "tools/seat/message_file.h"
@@ -77,7 +77,7 @@ void checkImports(const Seat& seat, Findings& findings) {
         if (!isFound) missing += (missing.empty() ? "" : ", ") + library;
     }
     findings.tell("plugin.imports", missing.empty(),
-                  missing.empty() ? seat::counted(seat.pluginFile->imports.size(), "library") + " needed, all found"
+                  missing.empty() ? seat::counted(seat.pluginFile->imports.size(), "file") + " needed, all found"
                                   : "needed and not found: " + missing);
 }
 

@@ -2,12 +2,13 @@
 #include <array>
 #include <optional>
 
-#include "common_sources/version.h"
 #include "tools/cli/command_line.h"
 #include "tools/doctor/fix.h"
+#include "tools/doctor/registering.h"
 #include "tools/doctor/report.h"
 #include "tools/seat/file.h"
 
+#include <generated/version.h>
 #include <windows.h>
 
 namespace {
@@ -17,6 +18,9 @@ enum ExitCode { kAllRight = 0, kWarnings = 1, kErrors = 2, kWrongArguments = 3 }
 constexpr char kUsage[] =
     "Usage: orbikon_doctor [--profile DIR] [--load-point DIR] [--registry FILE] [--plugin DLL] [--offline]\n"
     "                      [--json] [--verbose] [--report FILE] [--fix] [--version] [--help]\n"
+    "       orbikon_doctor register FILE | --load-point DIR [--plugin DLL] [--text-dir DIR]\n"
+    "       orbikon_doctor unregister FILE | --load-point DIR\n"
+    "       orbikon_doctor load-points [DIR...]\n"
     "\n"
     "Looks at the Orbikon plug-in on a seat with Creo and says what is wrong and what to do. Without arguments it\n"
     "looks at the seat that it runs on. It changes nothing, unless --fix is given.\n"
@@ -30,6 +34,13 @@ constexpr char kUsage[] =
     "  --verbose         show all that is in order, too\n"
     "  --report FILE     write all findings, the settings and the end of the log, without names of users or machines\n"
     "  --fix             write the default settings file if there is none, add missing keys with their defaults\n"
+    "\n"
+    "register enters the plug-in in a registration file, or in the one that counts for a load point, and leaves\n"
+    "everything else in it as it is; unregister takes it out again; load-points tells the machine type of each load\n"
+    "point, of those in the usual places when none is named. They end with 0, or 2 when they failed.\n"
+    "\n"
+    "  --plugin DLL      otherwise the one that was installed with this program\n"
+    "  --text-dir DIR    folder that holds \"text\"; otherwise the plug-in's, or the one above\n"
     "\n"
     "Exit codes: 0 nothing wrong, 1 warnings, 2 errors, 3 wrong arguments\n";
 
@@ -115,7 +126,9 @@ int examine(const cli::ParsedArguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const cli::ParsedArguments arguments = cli::parse(cli::arguments(argc, argv), kOptions);
+    const auto words = cli::arguments(argc, argv);
+    if (const auto code = doctor::runRegistering(words, programFile())) return *code;
+    const cli::ParsedArguments arguments = cli::parse(words, kOptions);
     if (!arguments.problem.empty()) return wrongArguments(arguments.problem);
     if (!arguments.operands.empty()) return wrongArguments("'" + arguments.operands.front() + "' is no option");
     if (const auto code = answerAtOnce(arguments)) return *code;

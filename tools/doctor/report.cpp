@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <vector>
 
+#include <generated/version.h>
 #include <nlohmann/json.hpp>
 
 #include "common_sources/mnu/mnu_encoding.h"
-#include "common_sources/version.h"
 #include "tools/seat/file.h"
 #include "tools/seat/text.h"
 

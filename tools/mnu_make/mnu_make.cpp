@@ -1,4 +1,5 @@
 // Makes the menu file without Creo, for administrators who hand it out to many users.
+#include <generated/version.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 #include "common_sources/mnu/mnu_encoding.h"
 #include "common_sources/mnu/mnu_libraries.h"
 #include "common_sources/mnu/mnu_parser.h"
-#include "common_sources/version.h"
 #include "tools/cli/command_line.h"
 #include "tools/mnu_make/reachable_name.h"
 #include "tools/seat/file.h"

@@ -18,6 +18,23 @@ constexpr DWORD kKillWaitMs = 10000;
 std::wstring wide(const std::string& text) { return std::filesystem::path(std::u8string(text.begin(), text.end())); }
 std::string utf8(const wchar_t* text) { return std::filesystem::path(text).string(); }
 
+struct WindowSearch {
+    DWORD process;
+    int control;
+    HWND found;
+};
+
+BOOL CALLBACK takeIfWanted(HWND window, LPARAM parameter) {
+    auto& search = *reinterpret_cast<WindowSearch*>(parameter);
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    if (owner != search.process || !IsWindowVisible(window) || GetDlgItem(window, search.control) == nullptr) {
+        return TRUE;
+    }
+    search.found = window;
+    return FALSE;
+}
+
 // One argument as the C run-time takes it apart again.
 std::string quoted(const std::string& argument) {
     if (!argument.empty() && argument.find_first_of(" \t\"") == std::string::npos) return argument;
@@ -83,6 +100,7 @@ Handle openOutput(const std::filesystem::path& path) {
 Process::Process(const ProcessOptions& options) : mJob(makeJob()) {
     std::string command = quoted(options.program.string());
     for (const std::string& argument : options.arguments) command += ' ' + quoted(argument);
+    if (!options.lastArgument.empty()) command += ' ' + options.lastArgument;
     std::wstring commandLine = wide(command);
     std::wstring environment = environmentBlock(options.environment);
     const Handle output = openOutput(options.outputFile);
@@ -120,6 +138,12 @@ std::optional<DWORD> Process::waitForExit(int timeoutMs) const {
         return std::nullopt;
     }
     return code;
+}
+
+HWND Process::windowWith(int control) const {
+    WindowSearch search{mId, control, nullptr};
+    EnumWindows(takeIfWanted, reinterpret_cast<LPARAM>(&search));
+    return search.found;
 }
 
 void Process::kill() {

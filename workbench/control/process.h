@@ -18,6 +18,7 @@ using Environment = std::map<std::string, std::string>;
 struct ProcessOptions {
     std::filesystem::path program;
     std::vector<std::string> arguments;
+    std::string lastArgument{};        // as it is, also with blanks and quotes; empty = none
     std::filesystem::path folder;      // current directory of the process
     Environment environment;           // set in addition to the starter's own; an empty value removes a variable
     std::filesystem::path outputFile;  // takes standard output and error output, from its beginning
@@ -36,6 +37,9 @@ class Process {
 
     // Waits for the process to end; its exit code, or nothing when it still runs after the time-out.
     std::optional<DWORD> waitForExit(int timeoutMs) const;
+
+    // A visible window of the process that has a control with this id; null when there is none.
+    HWND windowWith(int control) const;
 
     // Ends the process abruptly and waits until it is gone.
     void kill();

@@ -65,7 +65,7 @@ Workbench::Workbench(const WorkbenchOptions& options)
     std::filesystem::create_directories(temp());
     if (options.settings) writeTextFile(settingsFile(), *options.settings);
     if (options.menuFile) writeTextFile(menuFile(), *options.menuFile);
-    writeRegistry(options);
+    if (options.isRegistered) writeRegistry(options);
 }
 
 Workbench::~Workbench() {
@@ -78,9 +78,9 @@ Workbench::~Workbench() {
 void Workbench::writeRegistry(const WorkbenchOptions& options) const {
     const std::filesystem::path plugin = options.plugin.empty() ? mBuild / "orbikon_creo.dll" : options.plugin;
     const std::filesystem::path textDir = options.textDir.empty() ? mBuild : options.textDir;
-    writeTextFile(mFolder / "protk.dat", "name orbikon_creo\nstartup dll\nexec_file " + plugin.string() +
-                                             "\ntext_dir " + textDir.string() +
-                                             "\nallow_stop true\ndelay_start false\nunicode_encoding false\nend\n");
+    writeTextFile(mFolder / "protk.dat",
+                  "name orbikon_creo\nstartup dll\nexec_file " + plugin.string() + "\ntext_dir " + textDir.string() +
+                      "\nfail_tol TRUE\nallow_stop true\ndelay_start false\nunicode_encoding false\nend\n");
 }
 
 std::string Workbench::pipe(std::string_view role) const {

@@ -39,6 +39,7 @@ struct WorkbenchOptions {
     std::filesystem::path plugin{};         // the plug-in's DLL; empty = orbikon_creo.dll in the build folder
     std::filesystem::path textDir{};        // folder that holds "text"; empty = the build folder
     std::filesystem::path loadPoint{};      // the host's; empty = workbench\\creo in the build folder
+    bool isRegistered = true;               // false: no registration file in the host's current directory
     bool isFolderKept = false;              // leaves the folder behind, to be looked at
 };
 

@@ -1,6 +1,7 @@
 // The device daemon: a process of its own that plays the device for the driver library and is steered by commands.
 #include <windows.h>
 
+#include <generated/version.h>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -19,7 +20,7 @@ using namespace workbench;
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
 constexpr std::string_view kUsage =
-    "usage: obk_daemon [--script FILE] [--parent PID] [--help]\n"
+    "usage: obk_daemon [--script FILE] [--parent PID] [--version] [--help]\n"
     "  --script FILE  plays a file of commands, one a line, and \"wait MS\" and \"wait-connected MS\"\n"
     "  --parent PID   ends when that process ends\n"
     "The environment variable ORBIKON_WORKBENCH tells several workbenches apart.\n"
@@ -29,6 +30,7 @@ struct Options {
     std::string script;
     DWORD parent = 0;  // 0 = none
     bool isHelpWanted = false;
+    bool isVersionWanted = false;
 };
 
 Options parseOptions(int count, char** words) {
@@ -37,6 +39,8 @@ Options parseOptions(int count, char** words) {
         const std::string_view word = words[i];
         if (word == "--help") {
             options.isHelpWanted = true;
+        } else if (word == "--version") {
+            options.isVersionWanted = true;
         } else if (i + 1 == count) {
             throw std::runtime_error("unknown option, or one without its value: " + std::string(word));
         } else if (word == "--script") {
@@ -112,6 +116,10 @@ int main(int count, char** words) {
     }
     if (options.isHelpWanted) {
         printHelp();
+        return 0;
+    }
+    if (options.isVersionWanted) {
+        std::cout << "obk_daemon " << kProductVersion << '\n';
         return 0;
     }
     try {

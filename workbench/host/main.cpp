@@ -6,6 +6,7 @@
 // after windows.h
 #include <commdlg.h>
 
+#include <generated/version.h>
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -162,6 +163,10 @@ int main(int argc, char** argv) {
     if (!options.error.empty()) {
         std::fprintf(stderr, "creo_host: %s\n%s\n", options.error.c_str(), USAGE);
         return EXIT_USAGE;
+    }
+    if (options.isVersionWanted) {
+        std::printf("creo_host %s\n", kProductVersion);
+        return 0;
     }
     try {
         return run(options);

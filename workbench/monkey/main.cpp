@@ -1,4 +1,6 @@
 // The monkey as a program; ./soak runs it. Exit codes: 0 all held, 1 not, 2 command line not understood.
+#include <generated/version.h>
+
 #include <algorithm>
 #include <exception>
 #include <iostream>
@@ -20,7 +22,8 @@ constexpr std::string_view kUsage =
     "  --minutes N  plays rounds with the seeds that follow until the time is over; otherwise one round\n"
     "  --hidden     the host's windows are not shown\n"
     "  --from N     leaves out the actions before the Nth\n"
-    "  --without TEXT  leaves out the actions that hold the text\n";
+    "  --without TEXT  leaves out the actions that hold the text\n"
+    "  --version    shows the version\n";
 
 workbench::MonkeyOptions parseOptions(int count, char** words) {
     workbench::MonkeyOptions options;
@@ -54,6 +57,10 @@ int main(int count, char** words) {
     workbench::MonkeyOptions options;
     if (count == 2 && std::string_view(words[1]) == "--help") {
         std::cout << kUsage;
+        return 0;
+    }
+    if (count == 2 && std::string_view(words[1]) == "--version") {
+        std::cout << "monkey " << kProductVersion << '\n';
         return 0;
     }
     try {

@@ -2,6 +2,7 @@
 // and leaves a page with pictures and numbers.
 #include <windows.h>
 
+#include <generated/version.h>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -9,7 +10,7 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "workbench/tour/build_commit.h"
+#include <generated/build_commit.h>
 #include "workbench/tour/options.h"
 #include "workbench/tour/scenes.h"
 
@@ -61,7 +62,12 @@ int playTour(const TourOptions& options) {
         Stage stage(options.out, record);
         for (const Scene& scene : scenes()) {
             const bool isNamed = std::ranges::find(options.only, scene.name) != options.only.end();
-            if (options.only.empty() || isNamed) playScene(stage, scene);
+            if (!options.only.empty() && !isNamed) continue;
+            if (scene.isPossible == nullptr || scene.isPossible()) {
+                playScene(stage, scene);
+            } else {
+                std::cout << "\n" << scene.title << ": left out, packaging/package.sh has made no package" << std::endl;
+            }
         }
     }
     record.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -103,6 +109,8 @@ int main(int count, char** words) {
     try {
         if (options.isHelpWanted) {
             std::cout << kUsage;
+        } else if (options.isVersionWanted) {
+            std::cout << "tour " << kProductVersion << ", commit " << kBuildCommit << '\n';
         } else if (options.isListWanted) {
             listScenes();
         } else {

@@ -15,6 +15,7 @@ struct Flag {
 constexpr Flag kFlags[] = {
     {"--interactive", &TourOptions::isInteractive},
     {"--list", &TourOptions::isListWanted},
+    {"--version", &TourOptions::isVersionWanted},
     {"--help", &TourOptions::isHelpWanted},
 };
 

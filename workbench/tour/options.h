@@ -12,11 +12,12 @@ struct TourOptions {
     std::vector<std::string> only;  // names of scenes; empty = all
     bool isInteractive = false;
     bool isListWanted = false;
+    bool isVersionWanted = false;
     bool isHelpWanted = false;
 };
 
 inline constexpr const char* kUsage =
-    "usage: tour [--out FOLDER] [--only SCENE]... | --interactive | --list | --help\n"
+    "usage: tour [--out FOLDER] [--only SCENE]... | --interactive | --list | --version | --help\n"
     "  --out FOLDER    where index.html and the pictures go (default: tour); FOLDER may be written as Windows or,\n"
     "                  under Wine, as Unix writes it\n"
     "  --only SCENE    plays that scene; may be given several times\n"

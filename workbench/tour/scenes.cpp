@@ -44,6 +44,9 @@ constexpr Scene kScenes[] = {
      "The daemon is killed. Host and plug-in go on; once a daemon is there again, the plug-in connects and tells its "
      "mode anew.",
      playDaemonLoss},
+    {"installer", "The installer, and the seat behind it",
+     "What packaging/package.sh has made is installed for a load point, looked at by the doctor, and removed again.",
+     playInstaller, isPackageThere},
     {"trouble", "Something is wrong: the doctor finds it",
      "Somebody has edited the settings file and left an empty line in a section, which ends the section there. The cap "
      "is dead; the doctor names line and remedy.",

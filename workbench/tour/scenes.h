@@ -12,6 +12,7 @@ struct Scene {
     const char* title;
     const char* text;  // what it is about
     void (*play)(Stage& stage);
+    bool (*isPossible)() = nullptr;  // null: always
 };
 
 std::span<const Scene> scenes();
@@ -30,6 +31,8 @@ void playCommandByMapkey(Stage& stage);
 void playStandardViews(Stage& stage);
 void playToggles(Stage& stage);
 void playDaemonLoss(Stage& stage);
+void playInstaller(Stage& stage);
+bool isPackageThere();  // packaging/package.sh has made an installer
 void playTrouble(Stage& stage);
 
 }  // namespace workbench

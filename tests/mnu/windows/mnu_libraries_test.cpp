@@ -61,6 +61,17 @@ TEST_F(Libraries, BecomeAMenuFileToTheByteInEachLanguage) {
                                     HasSubstr("| MNU File created successfully: " + menuFile)));
 }
 
+// Creo's own bit width need not be that of the program that makes the menu file.
+TEST_F(Libraries, OfTheOtherBitWidthAreReadAlike) {
+    for (const char* name : {"pro_default_resources.dll", "pro_default_german_resources.dll"}) {
+        writeFile(folder + name, withOtherWidth(bytesOf(dataFolder() + name)));
+        EXPECT_EQ(LoadLibraryA((folder + name).c_str()), nullptr);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT)) << "it is of this width";
+    }
+    ASSERT_TRUE(create(folder, "german")) << parser.failure();
+    EXPECT_EQ(bytesOf(menuFile), inTextMode(bytesOf(dataFolder() + "german.mnu")));
+}
+
 TEST_F(Libraries, ThatAreMissingOrNoneAreReported) {
     struct Case {
         std::string folder;

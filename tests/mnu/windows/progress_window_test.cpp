@@ -13,7 +13,11 @@
 #include "tests/unit/scratch.h"
 
 // The program's own entry for a function of Windows, which the loader has filled in.
+#ifdef _WIN64
+extern void* gCreateWindow asm("__imp_CreateWindowExA");
+#else
 extern void* gCreateWindow asm("__imp__CreateWindowExA@48");
+#endif
 
 namespace {
 
@@ -65,11 +69,12 @@ TEST(ProgressWindow, HasItsPlaceAndStaysOnTop) {
               WS_EX_TOPMOST | WS_EX_TOOLWINDOW);
     EXPECT_EQ(GetWindowLongA(findFrame(), GWL_STYLE) & WS_OVERLAPPEDWINDOW, WS_OVERLAPPEDWINDOW);
     EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_STYLE), CS_HREDRAW | CS_VREDRAW);
-    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HBRBACKGROUND), COLOR_WINDOW);
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HBRBACKGROUND), COLOR_WINDOW);
     const auto icon = reinterpret_cast<ULONG_PTR>(LoadIconA(nullptr, IDI_APPLICATION));
-    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HICON), icon);
-    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HICONSM), icon);
-    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCL_HCURSOR), reinterpret_cast<ULONG_PTR>(LoadCursorA(nullptr, IDC_ARROW)));
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HICON), icon);
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HICONSM), icon);
+    EXPECT_EQ(GetClassLongPtrA(findFrame(), GCLP_HCURSOR),
+              reinterpret_cast<ULONG_PTR>(LoadCursorA(nullptr, IDC_ARROW)));
     constexpr LONG kChildStyle = WS_CHILD | WS_VISIBLE | WS_GROUP;
     EXPECT_EQ(GetWindowLongA(findText(), GWL_STYLE) & kChildStyle, kChildStyle);
     EXPECT_EQ(GetWindowLongA(findBar(), GWL_STYLE) & kChildStyle, WS_CHILD | WS_VISIBLE);

@@ -13,3 +13,6 @@ struct DllResource {
 // Replaces the resources of a copy of `templateDll`. Answers whether the library could be made.
 bool makeResourceDll(const std::string& path, const std::string& templateDll,
                      const std::vector<DllResource>& resources);
+
+// The same library for the other bit width; `bytes` are those of one that has resources only.
+std::string withOtherWidth(const std::string& bytes);

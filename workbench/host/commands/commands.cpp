@@ -1,6 +1,7 @@
 #include "workbench/host/commands/commands.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "workbench/host/model/host_state.h"
 
@@ -29,7 +30,11 @@ Command* CommandTable::findHandle(const void* handle) const {
 }
 
 void CommandTable::dropPluginCommands() {
-    std::erase_if(mCommands, [](const auto& command) { return command->isOfPlugin; });
+    const auto dropped = std::stable_partition(mCommands.begin(), mCommands.end(),
+                                               [](const auto& command) { return !command->isOfPlugin; });
+    if (dropped == mCommands.end()) return;
+    mDropped.assign(std::make_move_iterator(dropped), std::make_move_iterator(mCommands.end()));
+    mCommands.erase(dropped, mCommands.end());
 }
 
 int accessOf(const Command& command) { return command.access ? command.access() : ACCESS_AVAILABLE; }
@@ -42,11 +47,13 @@ bool runCommand(const std::string& name, const std::string& option) {
         host().error("Unknown command \"" + name + "\".");
         return false;
     }
-    if (accessOf(*command) != ACCESS_AVAILABLE) {
+    const bool isAvailable = accessOf(*command) == ACCESS_AVAILABLE;
+    command = commands().find(name);  // it may be gone: asking runs code of its plug-in
+    if (!isAvailable || command == nullptr) {
         host().message("The command \"" + name + "\" is not available now.");
         return false;
     }
-    const auto run = command->run;  // the command itself may go while it runs, with its plug-in
+    const auto run = command->run;  // the command itself may go while it runs
     return run(option);
 }
 

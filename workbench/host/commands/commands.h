@@ -35,6 +35,8 @@ class CommandTable {
 
   private:
     std::vector<std::unique_ptr<Command>> mCommands;
+    // The last ones that were dropped: that may have happened inside a call of one of them.
+    std::vector<std::unique_ptr<Command>> mDropped;
 };
 
 CommandTable& commands();

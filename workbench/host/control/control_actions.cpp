@@ -117,7 +117,8 @@ void menu(const Request& request, Lines& lines) {
         require(request.word(0) == "click" && request.words.size() > 1, "menu click needs a label");
         return clickMenu(request.text.substr(request.text.find(request.words[1], 5)));
     }
-    for (const Menu& entry : menuBar().menus()) {
+    const auto menus = menuBar().menus();  // as they are now: asking for a state runs code of the plug-in
+    for (const Menu& entry : menus) {
         for (const MenuItem& item : entry.items) {
             const Command* command = commands().find(item.command);
             if (!entry.isOfPlugin || command == nullptr) continue;

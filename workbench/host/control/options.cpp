@@ -13,7 +13,7 @@ struct Flag {
 constexpr Flag FLAGS[] = {
     {"--no-plugin", &Options::loadsPlugin, false},    {"--require-plugin", &Options::requiresPlugin, true},
     {"--interactive", &Options::isInteractive, true}, {"--hidden", &Options::isHidden, true},
-    {"--misalign", &Options::misaligns, true},
+    {"--misalign", &Options::misaligns, true},        {"--version", &Options::isVersionWanted, true},
 };
 
 bool setFlag(Options& options, const std::string& argument) {

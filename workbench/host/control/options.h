@@ -7,18 +7,20 @@
 namespace workbench {
 
 struct Options {
-    bool loadsPlugin = true;      // --no-plugin
-    bool requiresPlugin = false;  // --require-plugin: exit code when none could be started
-    bool isInteractive = false;   // --interactive: keys push the cap
-    bool isHidden = false;        // --hidden: the windows are made but not shown
-    bool misaligns = false;       // --misalign: as control's "misalign on", from the start
-    unsigned long parent = 0;     // --parent PID: end with that process
-    std::string error;            // "" when the command line is understood
+    bool loadsPlugin = true;       // --no-plugin
+    bool requiresPlugin = false;   // --require-plugin: exit code when none could be started
+    bool isInteractive = false;    // --interactive: keys push the cap
+    bool isHidden = false;         // --hidden: the windows are made but not shown
+    bool misaligns = false;        // --misalign: as control's "misalign on", from the start
+    unsigned long parent = 0;      // --parent PID: end with that process
+    bool isVersionWanted = false;  // --version: shown on standard output, nothing is started
+    std::string error;             // "" when the command line is understood
 };
 
 Options parseOptions(const std::vector<std::string>& arguments);
 
 inline constexpr const char* USAGE =
-    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--hidden] [--misalign] [--parent PID]";
+    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--hidden] [--misalign] [--parent PID] "
+    "[--version]";
 
 }  // namespace workbench

@@ -2,6 +2,19 @@
 
 #include <atomic>
 
+namespace workbench {
+namespace {
+
+std::atomic<bool> misaligns{false};
+
+}  // namespace
+
+void setMisalignment(bool on) { misaligns = on; }
+bool isMisalignmentOn() { return misaligns; }
+
+}  // namespace workbench
+
+#ifndef _WIN64
 // std::uint32_t callWithStackAt(const void* function, const std::uint32_t* arguments, std::uint32_t count,
 //                               std::uint32_t offset): at the call the stack pointer is `offset` past a 16-byte
 //                               boundary.
@@ -38,13 +51,9 @@ extern "C" std::uint32_t callWithStackAt(const void* function, const std::uint32
 namespace workbench {
 namespace {
 
-std::atomic<bool> misaligns{false};
 std::atomic<std::uint32_t> callsMade{0};
 
 }  // namespace
-
-void setMisalignment(bool on) { misaligns = on; }
-bool isMisalignmentOn() { return misaligns; }
 
 std::uint32_t callOnOffsetStack(const void* function, const std::uint32_t* arguments, std::uint32_t count) {
     constexpr std::uint32_t OFFSETS[] = {4, 8, 12};
@@ -53,3 +62,4 @@ std::uint32_t callOnOffsetStack(const void* function, const std::uint32_t* argum
 }
 
 }  // namespace workbench
+#endif

@@ -99,7 +99,8 @@ void watchSystemCallsOf(HMODULE module) {
         auto* slot = at<IMAGE_THUNK_DATA>(module, library->FirstThunk);
         for (; name->u1.AddressOfData != 0; ++name, ++slot) {
             if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            void* watcher = watcherOf(at<IMAGE_IMPORT_BY_NAME>(module, name->u1.AddressOfData)->Name);
+            void* watcher =
+                watcherOf(at<IMAGE_IMPORT_BY_NAME>(module, static_cast<DWORD>(name->u1.AddressOfData))->Name);
             if (watcher != nullptr) replace(slot, watcher);
         }
     }
@@ -125,10 +126,14 @@ bool dispatchTimerOnOffsetStack(const MSG& timerMessage) {
     const auto found = timers.find({timerMessage.hwnd, timerMessage.wParam});
     if (found == timers.end()) return false;
     ++ticks;
+#ifdef _WIN64
+    return false;  // stacks are always aligned there
+#else
     if (!isMisalignmentOn() || found->second == nullptr) return false;
     const std::uint32_t arguments[] = {asWord(timerMessage.hwnd), WM_TIMER, timerMessage.wParam, GetTickCount()};
     callOnOffsetStack(reinterpret_cast<const void*>(found->second), arguments, 4);
     return true;
+#endif
 }
 
 }  // namespace workbench
