@@ -5,6 +5,7 @@
 #include "common_sources/version.h"
 #include "tools/cli/command_line.h"
 #include "tools/doctor/fix.h"
+#include "tools/doctor/probe_report.h"
 #include "tools/doctor/report.h"
 #include "tools/seat/file.h"
 
@@ -17,6 +18,7 @@ enum ExitCode { kAllRight = 0, kWarnings = 1, kErrors = 2, kWrongArguments = 3 }
 constexpr char kUsage[] =
     "Usage: orbikon_doctor [--profile DIR] [--load-point DIR] [--registry FILE] [--plugin DLL] [--offline]\n"
     "                      [--json] [--verbose] [--report FILE] [--fix] [--version] [--help]\n"
+    "       orbikon_doctor probe-report FILE [--json]\n"
     "\n"
     "Looks at the Orbikon plug-in on a seat with Creo and says what is wrong and what to do. Without arguments it\n"
     "looks at the seat that it runs on. It changes nothing, unless --fix is given.\n"
@@ -30,6 +32,8 @@ constexpr char kUsage[] =
     "  --verbose         show all that is in order, too\n"
     "  --report FILE     write all findings, the settings and the end of the log, without names of users or machines\n"
     "  --fix             write the default settings file if there is none, add missing keys with their defaults\n"
+    "\n"
+    "probe-report reads what orbikon_probe.dll has found in a Creo.\n"
     "\n"
     "Exit codes: 0 nothing wrong, 1 warnings, 2 errors, 3 wrong arguments\n";
 
@@ -112,11 +116,23 @@ int examine(const cli::ParsedArguments& arguments) {
     }
 }
 
+// What the probe has found, for people or programs.
+int showProbeReport(const cli::ParsedArguments& arguments) {
+    if (arguments.operands.size() != 2) return wrongArguments("probe-report needs one file");
+    std::string problem;
+    const auto text = doctor::probeReport(seat::pathOf(arguments.operands[1]), arguments.has("--json"), problem);
+    if (!text) return wrongArguments(problem);
+    cli::print(stdout, *text);
+    return kAllRight;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const cli::ParsedArguments arguments = cli::parse(cli::arguments(argc, argv), kOptions);
     if (!arguments.problem.empty()) return wrongArguments(arguments.problem);
+    const bool isProbe = !arguments.operands.empty() && arguments.operands.front() == "probe-report";
+    if (isProbe && !arguments.has("--help")) return showProbeReport(arguments);
     if (!arguments.operands.empty()) return wrongArguments("'" + arguments.operands.front() + "' is no option");
     if (const auto code = answerAtOnce(arguments)) return *code;
     return examine(arguments);
