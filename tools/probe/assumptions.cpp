@@ -298,7 +298,7 @@ const std::vector<Assumption>& others() {
          "memory of Creo is overwritten at each connection", "marks around the records", device},
         {"driver.blocks", "obReadDeviceData waits for data or a short time.",
          "obReadDeviceData wartet auf Daten oder eine kurze Zeit.", kBinding,
-         "the reading thread burns a core, or ends late", "a hundred reads take between 0.1 and 50 s", device},
+         "the reading thread burns a core, or ends late", "thirty reads take between 0.03 and 15 s", device},
         {"legacy.option", "Option 12 (LegacyCOM1) answers 0 or 1 and can be switched.",
          "Option 12 (LegacyCOM1) antwortet 0 oder 1 und ist schaltbar.", kLegacy,
          "view and components move together, or neither", "read, switched, read, put back", device},
