@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "workbench/host/model/creo_variant.h"
+
 namespace workbench {
 
 struct Options {
@@ -13,12 +15,14 @@ struct Options {
     bool isHidden = false;        // --hidden: the windows are made but not shown
     bool misaligns = false;       // --misalign: as control's "misalign on", from the start
     unsigned long parent = 0;     // --parent PID: end with that process
+    CreoVariant creo{};           // --creo VARIANT,...: another Creo, in these ways
     std::string error;            // "" when the command line is understood
 };
 
 Options parseOptions(const std::vector<std::string>& arguments);
 
 inline constexpr const char* USAGE =
-    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--hidden] [--misalign] [--parent PID]";
+    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--hidden] [--misalign] [--parent PID]\n"
+    "          [--creo modes,module,matrix,macros,no-menu-bar,windows]";
 
 }  // namespace workbench
