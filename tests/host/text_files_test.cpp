@@ -2,6 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "workbench/host/model/text.h"
 
 namespace workbench {
 namespace {
@@ -36,6 +43,54 @@ TEST(Messages, TranslationsWinWhereThereAreAny) {
     EXPECT_EQ(english.at("Key one"), "English one");
     EXPECT_EQ(german.at("Key one"), "Deutsch eins");
     EXPECT_EQ(german.at("Key two"), "English two");
+}
+
+// Of the build folder, in which the test program's folder lies.
+std::filesystem::path textFolder() {
+    wchar_t program[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    return std::filesystem::path(program).parent_path().parent_path() / "text";
+}
+
+TEST(Messages, AreUtf8WithAMarkAndInTheCodePageWithout) {
+    ASSERT_EQ(GetACP(), 1252u);
+    struct Case {
+        const char* translation;
+        const char* shown;
+    };
+    constexpr Case kCases[] = {
+        {"\xEF\xBB\xBFKey\nText\nAn\xC3\xA9mone\n#\n", "An\xC3\xA9mone"},
+        {"Key\nText\nAn\xE9mone\n#\n", "An\xC3\xA9mone"},
+        {"Key\r\nText\r\nAn\xC3\xA9mone\r\n#\r\n", "An\xC3\x83\xC2\xA9mone"},  // garbled, as in Creo
+    };
+    for (const Case& c : kCases) EXPECT_EQ(parseMessages(c.translation, true).at("Key"), c.shown);
+}
+
+// Every file as the host reads it: whole messages, each with a text of its own language, and legible.
+TEST(Messages, OfThePluginAreCompleteInEveryLanguage) {
+    constexpr std::size_t kLongestLine = 4096;
+    const auto english = parseMessages(*readFile(textFolder() / "usascii" / "Orbikon.txt"), false);
+    ASSERT_EQ(english.size(), 3u);
+    std::set<std::string> letters;
+    for (const auto& folder : std::filesystem::directory_iterator(textFolder())) {
+        if (!folder.is_directory() || folder.path().filename() == "CMakeFiles") continue;
+        SCOPED_TRACE(folder.path().string());
+        const std::string bytes = readFile(folder.path() / "Orbikon.txt").value_or("");
+        const std::string content = fileTextToUtf8(bytes);
+        EXPECT_EQ(std::ranges::count(content, '\n') % 4, 0);
+        EXPECT_TRUE(content.ends_with('\n'));
+        const auto messages = parseMessages(bytes, true);
+        ASSERT_EQ(messages.size(), english.size());
+        for (const auto& [keyword, text] : messages) {
+            EXPECT_TRUE(english.contains(keyword)) << keyword;
+            EXPECT_LT(text.size(), kLongestLine);
+            const auto isForeign = [](char c) { return static_cast<unsigned char>(c) >= 0x80; };
+            // Letters of two bytes that were read byte by byte begin with one of these.
+            EXPECT_EQ(text.find("\xC3\x83"), text.npos) << text;
+            if (std::ranges::any_of(text, isForeign)) letters.insert(folder.path().filename().string());
+        }
+    }
+    EXPECT_THAT(letters, testing::ElementsAre("french")) << "no file has letters that could be garbled";
 }
 
 }  // namespace

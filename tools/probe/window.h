@@ -8,13 +8,9 @@
 #include <thread>
 
 #include "tools/probe/checker.h"
+#include "tools/probe/window_controls.h"
 
 namespace probe {
-
-inline constexpr const wchar_t* kWindowClass = L"OrbikonProbeWindow";
-
-// Controls, for those who steer the window.
-enum WindowControl : int { kList = 1001, kText, kYes, kNo };
 
 class Window {
   public:

@@ -35,4 +35,10 @@ std::string wideToUtf8(std::wstring_view text) {
 std::wstring utf8ToWide(std::string_view text) { return toWide(text, CP_UTF8); }
 std::wstring ansiToWide(std::string_view text) { return toWide(text, CP_ACP); }
 
+std::string fileTextToUtf8(std::string_view bytes) {
+    constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+    if (bytes.starts_with(BYTE_ORDER_MARK)) return std::string(bytes.substr(BYTE_ORDER_MARK.size()));
+    return wideToUtf8(ansiToWide(bytes));
+}
+
 }  // namespace workbench

@@ -20,17 +20,12 @@ std::string language() {
     return ENGLISH;
 }
 
-bool isUtf8(const std::string& text) {
-    return wideToUtf8(utf8ToWide(text)) == text;  // what is malformed does not survive the way there and back
-}
-
 std::string lookUp(const std::string& languageName, const wchar_t* file, const std::string& keyword) {
     const auto content = readFile(textDirectory / "text" / languageName / file);
     if (!content) return {};
     const auto messages = parseMessages(*content, languageName != ENGLISH);
     const auto found = messages.find(keyword);
-    if (found == messages.end()) return {};
-    return isUtf8(found->second) ? found->second : wideToUtf8(ansiToWide(found->second));
+    return found == messages.end() ? std::string{} : found->second;
 }
 
 }  // namespace
@@ -38,11 +33,12 @@ std::string lookUp(const std::string& languageName, const wchar_t* file, const s
 void setTextDirectory(const std::filesystem::path& directory) { textDirectory = directory; }
 
 std::string messageText(const wchar_t* file, const char* keyword) {
+    const std::string wanted = wideToUtf8(ansiToWide(keyword));
     for (const std::string& name : {language(), std::string(ENGLISH)}) {
-        std::string text = lookUp(name, file, keyword);
+        std::string text = lookUp(name, file, wanted);
         if (!text.empty()) return text;
     }
-    return wideToUtf8(ansiToWide(keyword));
+    return wanted;
 }
 
 }  // namespace workbench

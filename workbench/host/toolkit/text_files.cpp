@@ -86,9 +86,10 @@ std::map<std::string, std::string> parseConfig(std::string_view content) {
     return options;
 }
 
-std::map<std::string, std::string> parseMessages(std::string_view content, bool wantsTranslation) {
+std::map<std::string, std::string> parseMessages(std::string_view bytes, bool wantsTranslation) {
     constexpr std::size_t LINES_PER_MESSAGE = 4;
     std::map<std::string, std::string> messages;
+    const std::string content = fileTextToUtf8(bytes);
     const auto lines = linesOf(content);
     for (std::size_t i = 0; i + 2 < lines.size(); i += LINES_PER_MESSAGE) {
         const std::string_view translation = lines[i + 2];

@@ -26,8 +26,8 @@ RegistryParse parseRegistry(std::string_view content);
 // "option value" lines; "!" begins a comment. Keys in lower case, the last value wins.
 std::map<std::string, std::string> parseConfig(std::string_view content);
 
-// Texts of a message file by keyword; each message is four lines: keyword, English text, translation (may be blank),
-// one reserved line.
-std::map<std::string, std::string> parseMessages(std::string_view content, bool wantsTranslation);
+// Texts of a message file by keyword, both UTF-8; each message is four lines: keyword, English text, translation (may
+// be blank), one reserved line. The file is UTF-8 with a byte order mark, or in the process code page without one.
+std::map<std::string, std::string> parseMessages(std::string_view bytes, bool wantsTranslation);
 
 }  // namespace workbench
