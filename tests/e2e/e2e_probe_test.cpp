@@ -3,9 +3,7 @@
 #include <set>
 
 #include "tests/e2e/e2e.h"
-#include "tools/probe/assumptions.h"
-#include "tools/probe/report.h"
-#include "tools/probe/window_controls.h"
+#include "workbench/control/probe_window.h"
 
 namespace e2e {
 namespace {
@@ -15,7 +13,7 @@ using Ids = std::set<std::string>;
 
 class ProbeBench : public Workbench {
   public:
-    explicit ProbeBench(const std::string& variant = "") : Workbench(options()) {
+    explicit ProbeBench(const std::string& variant = "") : Workbench(workbench::ProbeWindow::options()) {
         startDaemon();
         start(variant, "english");
     }
@@ -24,59 +22,21 @@ class ProbeBench : public Workbench {
         std::vector<std::string> arguments{"--require-plugin"};
         if (!variant.empty()) arguments.insert(arguments.end(), {"--creo", variant});
         startHost(arguments, {{"PRO_LANG", language}, {"USERNAME", "gearbox"}});
-        window = nullptr;
-        if (!waitFor([&] { return findWindow(); })) throw std::runtime_error("the probe shows no window");
-        SetWindowPos(window, nullptr, 1130, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);  // beside Creo's
+        mProbe.emplace(*this);
     }
+    const workbench::ProbeWindow& probe() const { return *mProbe; }
 
-    std::filesystem::path reportFile() const { return profile() / "OrbikonController" / "probe_report.txt"; }
-    Report report() const { return readReport(bytesOf(reportFile())).value_or(Report{}); }
-    ReportRow row(const std::string& id) const {
-        for (ReportRow& row : report().rows) {
-            if (row.id == id) return row;
-        }
-        return {};
-    }
     Ids ids(Outcome outcome) const {
         Ids found;
-        for (const ReportRow& row : report().rows) {
+        for (const ReportRow& row : probe().report().rows) {
             if (row.outcome == outcome) found.insert(row.id);
         }
         return found;
     }
-
-    // Selects a task in the window and presses its button.
-    void press(Task task, bool yes = true) const {
-        SendMessageW(GetDlgItem(window, kList), LB_SETCURSEL, static_cast<WPARAM>(task), 0);
-        SendMessageW(window, WM_COMMAND, yes ? kYes : kNo, 0);
-    }
-    // What takes a while has begun when its line is marked with a triangle.
-    void begin(Task task) const {
-        press(task);
-        EXPECT_TRUE(waitFor([&] { return lineOf(task).front() == L'\u25B6'; })) << textOf(task).title.english;
-    }
-    std::wstring lineOf(Task task) const {
-        wchar_t line[256] = L"";
-        SendMessageW(GetDlgItem(window, kList), LB_GETTEXT, static_cast<WPARAM>(task), reinterpret_cast<LPARAM>(line));
-        return line;
-    }
-    void await(Task task) const {
-        const auto isOpen = [&](const ReportRow& row) {
-            return findAssumption(row.id)->task == task && row.outcome == Outcome::notMet;
-        };
-        EXPECT_TRUE(waitFor([&] {
-            const Report now = report();
-            return !now.rows.empty() && std::ranges::none_of(now.rows, isOpen);
-        })) << textOf(task).title.english;
-    }
+    void await(Task task) const { EXPECT_TRUE(probe().await(task)) << textOf(task).title.english; }
+    void rest(Task task, const char* where) const { EXPECT_TRUE(probe().rest(task, where)) << where; }
     void doAndAwait(Task task, bool yes = true) const {
-        press(task, yes);
-        await(task);
-    }
-    void rest(Task task, const std::string& where) {
-        host("cursor main");
-        press(task);
-        host("cursor " + where);
+        probe().press(task, yes);
         await(task);
     }
     std::string status(const std::string& key) {
@@ -93,22 +53,8 @@ class ProbeBench : public Workbench {
         EXPECT_TRUE(waitFor([&] { return std::stoi(daemonStatus("reads")) > reads + 1; }));
     }
 
-    HWND window = nullptr;
-
   private:
-    static workbench::WorkbenchOptions options() {
-        workbench::WorkbenchOptions options;
-        options.plugin = workbench::buildFolder() / "orbikon_probe.dll";
-        return options;
-    }
-    bool findWindow() {
-        DWORD process = 0;
-        const HWND found = FindWindowW(kWindowClass, nullptr);
-        GetWindowThreadProcessId(found, &process);
-        if (found == nullptr || std::to_string(process) != status("process") || !IsWindowVisible(found)) return false;
-        window = found;
-        return true;
-    }
+    std::optional<workbench::ProbeWindow> mProbe;
 };
 
 void playSelection(ProbeBench& bench) {
@@ -163,7 +109,7 @@ void playPointer(ProbeBench& bench) {
 void playMapkey(ProbeBench& bench) {
     bench.host("select 41");
     bench.host("front main");
-    bench.press(Task::move);
+    bench.probe().press(Task::move);
     EXPECT_TRUE(waitFor([&] { return bench.status("undo") == "1"; }));
     bench.doAndAwait(Task::mapkey);
     bench.doAndAwait(Task::undoAfterMapkey, bench.status("undo") == "1");
@@ -172,18 +118,18 @@ void playMapkey(ProbeBench& bench) {
 
 void playDevice(ProbeBench& bench) {
     bench.doAndAwait(Task::device);
-    bench.begin(Task::buttons);
+    bench.probe().begin(Task::buttons);
     bench.daemon("event " + std::to_string(0x20021));
     bench.await(Task::buttons);
     std::size_t axis = 0;
     for (const Task task : {Task::pushRight, Task::pushUp, Task::pushTowards, Task::turnX, Task::turnY, Task::turnZ}) {
-        bench.begin(task);
+        bench.probe().begin(task);
         bench.push(axis, 200);
         bench.push(axis++, 0);
         bench.await(task);
     }
     for (const Task task : {Task::legacyOn, Task::legacyOff}) {
-        bench.begin(task);
+        bench.probe().begin(task);
         EXPECT_EQ(bench.daemonStatus("legacy"), task == Task::legacyOff ? "0" : "1");
         bench.push(0, 100);
         bench.await(task);
@@ -200,12 +146,12 @@ TEST(Probe, EverythingHoldsInTheHost) {
     playMacros(bench);
     playPointer(bench);
     playMapkey(bench);
-    bench.press(Task::work);
+    bench.probe().press(Task::work);
     playDevice(bench);
     bench.await(Task::work);
     EXPECT_EQ(bench.ids(Outcome::doesNotHold), Ids{});
     EXPECT_EQ(bench.ids(Outcome::notMet), Ids{});
-    const std::string text = bytesOf(bench.reportFile());
+    const std::string text = bench.probe().reportText();
     for (const char* fact : {"release: 30 M060\n", "bit width: 32\n", "does not hold 0, not met yet 0"}) {
         EXPECT_THAT(text, testing::HasSubstr(fact));
     }
@@ -213,14 +159,15 @@ TEST(Probe, EverythingHoldsInTheHost) {
         EXPECT_EQ(text.find(name), std::string::npos) << name;
     }
     const auto output = bench.folder() / "doctor.txt";
-    const auto doctor = bench.Workbench::start(workbench::buildFolder() / "orbikon_doctor.exe",
-                                               {"probe-report", bench.reportFile().string(), "--json"}, output);
+    const auto doctor = bench.Workbench::start(
+        workbench::buildFolder() / "orbikon_doctor.exe",
+        {"probe-report", (bench.profile() / "OrbikonController" / "probe_report.txt").string(), "--json"}, output);
     EXPECT_EQ(doctor.waitForExit(workbench::kPatienceMs), 0u);
     EXPECT_EQ(nlohmann::json::parse(bytesOf(output))["summary"]["holds"], assumptions().size());
     bench.host("plugin terminate");
     // The matrix that the host is to refuse is all that it has to say.
     EXPECT_EQ(bench.host("invariants"), std::vector<std::string>{"ProViewMatrixSet: an axis is of length 2"});
-    EXPECT_FALSE(IsWindow(bench.window));
+    EXPECT_FALSE(IsWindow(bench.probe().window()));
 }
 
 // Another Creo: each deviation is named, with what it means for the plug-in.
@@ -261,14 +208,14 @@ TEST(Probe, NamesWhatIsDifferentInAnotherCreo) {
         for (const auto scenario : play) scenario(bench);
         EXPECT_TRUE(waitFor([&] { return bench.ids(Outcome::doesNotHold) == broken; }))
             << variant << ": " << testing::PrintToString(bench.ids(Outcome::doesNotHold));
-        EXPECT_THAT(bench.row(id).evidence, testing::HasSubstr(evidence));
-        const std::string text = bytesOf(bench.reportFile());
+        EXPECT_THAT(bench.probe().row(id).evidence, testing::HasSubstr(evidence));
+        const std::string text = bench.probe().reportText();
         const std::size_t rows = text.find("All rows");
         for (const std::string& name : broken) {
             EXPECT_LT(text.find("  " + name + ": "), rows) << variant;
-            EXPECT_LT(text.find("so: " + bench.row(name).consequence), rows) << variant;
+            EXPECT_LT(text.find("so: " + bench.probe().row(name).consequence), rows) << variant;
         }
-        EXPECT_THAT(bench.row(id).consequence, testing::HasSubstr(consequence));
+        EXPECT_THAT(bench.probe().row(id).consequence, testing::HasSubstr(consequence));
     }
 }
 
@@ -277,17 +224,17 @@ TEST(Probe, WhatEndsCreoIsNotTriedAgain) {
     ProbeBench bench;
     bench.await(Task::start);
     bench.host("during ProViewMatrixSet crash");
-    bench.press(Task::view);
+    bench.probe().press(Task::view);
     EXPECT_TRUE(bench.waitForHostExit().has_value());
     for (int start = 0; start < 2; ++start) {
         bench.start("", "german");
-        EXPECT_EQ(bench.row("view.set").outcome, Outcome::doesNotHold);
-        EXPECT_THAT(bench.row("view.set").evidence, testing::HasSubstr("in creo_host.exe at offset"));
-        bench.press(Task::view);
-        EXPECT_TRUE(waitFor([&] { return bench.row("view.rejects").outcome == Outcome::holds; }));
+        EXPECT_EQ(bench.probe().row("view.set").outcome, Outcome::doesNotHold);
+        EXPECT_THAT(bench.probe().row("view.set").evidence, testing::HasSubstr("in creo_host.exe at offset"));
+        bench.probe().press(Task::view);
+        EXPECT_TRUE(waitFor([&] { return bench.probe().row("view.rejects").outcome == Outcome::holds; }));
         EXPECT_EQ(bench.host("calls ProViewMatrixSet"), std::vector<std::string>{"1"});
     }
-    EXPECT_EQ(bench.lineOf(Task::drawing), L"   Eine Zeichnung \u00F6ffnen");
+    EXPECT_EQ(bench.probe().lineOf(Task::drawing), L"   Eine Zeichnung \u00F6ffnen");
 }
 
 }  // namespace

@@ -200,9 +200,12 @@ Window::Window(Context& context, Handler handler) : mContext(context), mHandler(
         windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
         RegisterClassW(&windowClass);
         mContext.windowThread = GetCurrentThreadId();
+        RECT desk{};  // what a task bar leaves
+        SystemParametersInfoW(SPI_GETWORKAREA, 0, &desk, 0);
+        const int left = std::max(0, static_cast<int>(desk.right) - kWidth - kGap);
         mWindow = CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, kWindowClass, L"Orbikon Probe",
-                                  WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_CLIPCHILDREN, 60, 120, kWidth,
-                                  kHeight, nullptr, nullptr, ownModule(), nullptr);
+                                  WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_CLIPCHILDREN, left, 120,
+                                  kWidth, kHeight, nullptr, nullptr, ownModule(), nullptr);
         made.set_value();
         if (mWindow != nullptr) atEdge(0, [this] { return run(), 0; });
     });

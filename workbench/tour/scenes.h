@@ -31,5 +31,6 @@ void playStandardViews(Stage& stage);
 void playToggles(Stage& stage);
 void playDaemonLoss(Stage& stage);
 void playTrouble(Stage& stage);
+void playFirstContact(Stage& stage);
 
 }  // namespace workbench
