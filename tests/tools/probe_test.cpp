@@ -107,6 +107,7 @@ TEST(ProbeFindings, WhatEndedCreoIsNotTriedAgain) {
         const Findings::Attempt again(findings, "view.set");
         EXPECT_FALSE(std::filesystem::exists(inDoubt)) << "it came back once";
         const Findings::Attempt first(findings, "view.rejects");
+        { const Findings::Attempt inner(findings, "view.axes"); }
         EXPECT_EQ(bytesOf(inDoubt.string()), "view.rejects\n");
     }
     writeFile(inDoubt.string(), "view.rejects\nexception C0000005\n");  // as Creo's end leaves it

@@ -57,7 +57,11 @@ class DriverChecker : public Checker {
     ~DriverChecker() override { restoreLegacy(); }
 
     void start() override {
-        const DriverSearch search = loadDriver(driverPlaces(mContext.ownFile.wstring(), mContext.hostFile.wstring()));
+        DriverSearch search;
+        const bool isTried = mContext.attempt("driver.library", [&] {
+            search = loadDriver(driverPlaces(mContext.ownFile.wstring(), mContext.hostFile.wstring()));
+        });
+        if (!isTried) return;
         std::string places;
         for (const auto& [file, code] : search.failures)
             places += "; " + utf8(file.c_str()) + ": " + loadingProblem(code);
@@ -111,7 +115,7 @@ class DriverChecker : public Checker {
         if (connected != 0) return;
         checkRecords();
         checkOption();
-        if (!mReader) mReader.emplace();
+        if (!mReader && mFindings.mayTry("driver.blocks")) mReader.emplace();
     }
 
     void checkRecords() {

@@ -70,9 +70,12 @@ class ModeChecker : public Checker {
     void tick() override {
         if (!Context::has({"ProWindowCurrentGet", "ProMdlCurrentGet", "ProSectionIsActive"})) return;
         Situation now;
-        ProWindowCurrentGet(&now.window);
-        ProMdlCurrentGet(&now.model);
-        ProSectionIsActive(&now.sketch);
+        const bool isTried = mContext.attempt("notify.window", [&] {
+            ProWindowCurrentGet(&now.window);
+            ProMdlCurrentGet(&now.model);
+            ProSectionIsActive(&now.sketch);
+        });
+        if (!isTried) return;
         if (mBefore && (now.window != mBefore->window || now.model != mBefore->model)) {
             mWindowChange = Change{"notify.window", kWindowTypes, GetTickCount64()};
         }
@@ -85,11 +88,16 @@ class ModeChecker : public Checker {
     }
 
     void perform(Task task, bool) override {
+        if (textOf(task).kind != TaskKind::confirm || task == Task::selectNothing) return;
         if (!Context::has({"ProModeCurrentGet", "ProSectionIsActive"})) return;
         ProMode mode = PRO_MODE_UNUSED;
         ProBoolean sketch = PRO_B_FALSE;
-        const ProError result = ProModeCurrentGet(&mode);
-        ProSectionIsActive(&sketch);
+        ProError result = PRO_TK_GENERAL_ERROR;
+        const bool isTried = mContext.attempt("mode.assembly", [&] {
+            result = ProModeCurrentGet(&mode);
+            ProSectionIsActive(&sketch);
+        });
+        if (!isTried) return;
         const std::string found = answerText("ProModeCurrentGet", result) + " and mode " + std::to_string(mode) +
                                   ", ProSectionIsActive " + std::to_string(sketch);
         const auto is = [&](ProMode wanted) { return result == PRO_TK_NO_ERROR && mode == wanted; };

@@ -22,11 +22,17 @@ class MoveChecker : public Checker {
                            "ProWindowCurrentGet"})) {
             return;
         }
-        const Selections selections;
-        if (!selections.isThere() || !readComponent(selections.array()[0])) {
-            return mFindings.note("move.set", "no component was selected");
+        // What ended Creo would be called again to put the component back.
+        for (const char* row : {"move.set", "move.regenerate", "move.dynamic"}) {
+            if (!mFindings.mayTry(row)) return;
         }
-        moveAndPutBack();
+        mContext.attempt("move.back", [&] {
+            const Selections selections;
+            if (!selections.isThere() || !readComponent(selections.array()[0])) {
+                return mFindings.note("move.set", "no component was selected");
+            }
+            moveAndPutBack();
+        });
     }
 
   private:

@@ -17,12 +17,13 @@ class SelectionChecker : public Checker {
 
     void look() override {
         if (mFindings.isDone(Task::selectComponent) || !Context::has(kSelectionFunctions)) return;
-        if (!mFindings.mayTry("selection.size")) return;
-        Selections selections;
-        if (!selections.isThere()) return;
-        checkArray(selections);
-        const ProError freed = selections.free();
-        mFindings.tell("selection.free", freed == PRO_TK_NO_ERROR, answerText("ProSelectionarrayFree", freed));
+        mContext.attempt("selection.free", [&] {
+            Selections selections;
+            if (!selections.isThere()) return;
+            checkArray(selections);
+            const ProError freed = selections.free();
+            mFindings.tell("selection.free", freed == PRO_TK_NO_ERROR, answerText("ProSelectionarrayFree", freed));
+        });
     }
 
     void perform(Task task, bool) override {

@@ -38,7 +38,9 @@ class ViewChecker : public Checker {
     void perform(Task task, bool) override {
         if (task != Task::view || !Context::has({"ProViewMatrixGet", "ProViewMatrixSet"})) return;
         ProMatrix before{}, unit{};
-        if (ProViewMatrixGet(nullptr, nullptr, before) != PRO_TK_NO_ERROR || !unitRows(before, unit)) {
+        ProError read = PRO_TK_GENERAL_ERROR;
+        mContext.attempt("view.record", [&] { read = ProViewMatrixGet(nullptr, nullptr, before); });
+        if (read != PRO_TK_NO_ERROR || !unitRows(before, unit)) {
             return mFindings.note("view.set", "there is no view to set");
         }
         checkSet(unit);
@@ -82,7 +84,7 @@ class ViewChecker : public Checker {
         bool areRight = true;
         for (int i = 0; i < 3; ++i) {
             ProVector out = {};
-            ProVectorTrfEval(axes[i], view, out);
+            if (!mContext.attempt("view.axes", [&] { ProVectorTrfEval(axes[i], view, out); })) return;
             const double length = std::sqrt(out[0] * out[0] + out[1] * out[1] + out[2] * out[2]);
             areRight = areRight && length > 0 && std::abs(out[i] / length - 1) < kTolerance;
             found += (i > 0 ? "; " : "") + vectorText(out);

@@ -38,7 +38,7 @@ BOOL CALLBACK noteTop(HWND window, LPARAM survey) {
 
 class WindowChecker : public Checker {
   public:
-    explicit WindowChecker(Context& context) : mFindings(context.findings) {}
+    explicit WindowChecker(Context& context) : mContext(context), mFindings(context.findings) {}
 
     void look() override {
         if (mFindings.outcome("windows.first") != Outcome::notMet &&
@@ -70,7 +70,9 @@ class WindowChecker : public Checker {
         }
         if (survey.hasGraphics) return mFindings.tell("windows.graphics", true, classes);
         ProMdl model = nullptr;
-        const bool isOpen = ProMdlCurrentGet(&model) == PRO_TK_NO_ERROR && model != nullptr;
+        bool isOpen = false;
+        mContext.attempt("windows.graphics",
+                         [&] { isOpen = ProMdlCurrentGet(&model) == PRO_TK_NO_ERROR && model != nullptr; });
         if (!isOpen) mPatience = Deadline(kPatienceMs);  // the window comes with the model
         if (isOpen && mPatience.isOver()) mFindings.tell("windows.graphics", false, "none, but: " + classes);
     }
@@ -81,6 +83,7 @@ class WindowChecker : public Checker {
         return all;
     }
 
+    Context& mContext;
     Findings& mFindings;
     Deadline mPatience{kPatienceMs};
 };

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstdio>
 #include <string>
@@ -17,12 +16,11 @@ constexpr DWORD kFatal[] = {EXCEPTION_ACCESS_VIOLATION, EXCEPTION_ILLEGAL_INSTRU
 
 // Ready before the crash: its handler must need no memory.
 std::wstring noteFile;
-std::array<char, 64> rowInCall{};
-std::atomic<DWORD> threadInCall{0};
+DWORD slot = TLS_OUT_OF_INDEXES;  // each thread's innermost CrashNote
 std::atomic<bool> isNoted{false};
 void* handler = nullptr;
 
-std::size_t describe(const EXCEPTION_RECORD& record, char* text, std::size_t size) {
+std::size_t describe(const EXCEPTION_RECORD& record, std::string_view row, char* text, std::size_t size) {
     HMODULE module = nullptr;
     GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                        static_cast<LPCSTR>(record.ExceptionAddress), &module);
@@ -33,17 +31,19 @@ std::size_t describe(const EXCEPTION_RECORD& record, char* text, std::size_t siz
         if (*at == '\\') name = at + 1;
     }
     const auto offset = reinterpret_cast<ULONG_PTR>(record.ExceptionAddress) - reinterpret_cast<ULONG_PTR>(module);
-    const int length = std::snprintf(text, size, "%s\nexception %08lX in %s at offset %lX\n", rowInCall.data(),
-                                     record.ExceptionCode, name, static_cast<unsigned long>(offset));
+    const int length =
+        std::snprintf(text, size, "%.*s\nexception %08lX in %s at offset %lX\n", static_cast<int>(row.size()),
+                      row.data(), record.ExceptionCode, name, static_cast<unsigned long>(offset));
     return std::min(size, static_cast<std::size_t>(std::max(0, length)));
 }
 
 LONG CALLBACK onException(EXCEPTION_POINTERS* exception) {
     const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
     const bool isFatal = std::ranges::find(kFatal, record.ExceptionCode) != std::end(kFatal);
-    if (!isFatal || threadInCall != GetCurrentThreadId() || isNoted.exchange(true)) return EXCEPTION_CONTINUE_SEARCH;
+    const auto* note = static_cast<const CrashNote*>(TlsGetValue(slot));
+    if (!isFatal || note == nullptr || isNoted.exchange(true)) return EXCEPTION_CONTINUE_SEARCH;
     char text[256];
-    const std::size_t size = describe(record, text, sizeof text);
+    const std::size_t size = describe(record, note->row(), text, sizeof text);
     const HANDLE file =
         CreateFileW(noteFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return EXCEPTION_CONTINUE_SEARCH;
@@ -57,6 +57,7 @@ LONG CALLBACK onException(EXCEPTION_POINTERS* exception) {
 
 void noteCrashesIn(const std::filesystem::path& inDoubtFile) {
     noteFile = inDoubtFile.wstring();
+    if (slot == TLS_OUT_OF_INDEXES) slot = TlsAlloc();
     handler = AddVectoredExceptionHandler(1, onException);
 }
 
@@ -65,15 +66,13 @@ void stopNotingCrashes() {
     handler = nullptr;
 }
 
-CrashNote::CrashNote(std::string_view row) {
-    rowInCall.fill('\0');
-    row.copy(rowInCall.data(), rowInCall.size() - 1);
-    threadInCall = GetCurrentThreadId();
+CrashNote::CrashNote(std::string_view row) : mRow(row), mOuter(static_cast<CrashNote*>(TlsGetValue(slot))) {
+    TlsSetValue(slot, this);
 }
 
 // What came back was no crash: Creo has handled the exception itself.
 CrashNote::~CrashNote() {
-    threadInCall = 0;
+    TlsSetValue(slot, mOuter);
     if (isNoted.exchange(false)) DeleteFileW(noteFile.c_str());
 }
 

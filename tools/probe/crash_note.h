@@ -11,13 +11,19 @@ namespace probe {
 void noteCrashesIn(const std::filesystem::path& inDoubtFile);
 void stopNotingCrashes();
 
-// The time of a call that a row is about, on the calling thread. They do not nest.
+// The time of a call that a row is about, on the calling thread; the innermost counts.
 class CrashNote {
   public:
-    explicit CrashNote(std::string_view row);
+    explicit CrashNote(std::string_view row);  // the row's text must outlive the object
     ~CrashNote();
     CrashNote(const CrashNote&) = delete;
     CrashNote& operator=(const CrashNote&) = delete;
+
+    std::string_view row() const { return mRow; }
+
+  private:
+    std::string_view mRow;
+    CrashNote* mOuter;
 };
 
 }  // namespace probe

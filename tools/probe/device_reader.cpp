@@ -6,6 +6,7 @@
 
 #include "driver/obk_ctrlr.h"
 #include "tools/probe/callers.h"
+#include "tools/probe/crash_note.h"
 
 namespace probe {
 
@@ -27,6 +28,7 @@ struct DeviceReader::Shared {
 
 DeviceReader::DeviceReader()
     : mShared(std::make_shared<Shared>()), mThread([shared = mShared] {
+          const CrashNote note("driver.blocks");
           atEdge(0, [&] {
               read(*shared);
               return 0;

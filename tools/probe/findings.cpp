@@ -123,17 +123,29 @@ void Findings::write() {
     mIsWritten = !seat::replaceFile(reportFile(), std::string(seat::kUtf8Mark) + textOf(report()));
 }
 
+void Findings::writeInDoubt() const {
+    std::error_code ignored;
+    if (mInDoubt.empty()) {
+        std::filesystem::remove(inDoubtFile(), ignored);
+    } else {
+        seat::replaceFile(inDoubtFile(), mInDoubt.back() + "\n");
+    }
+}
+
 // The call may end the process at once, so the file stands before it begins.
 Findings::Attempt::Attempt(Findings& findings, std::string_view id) : mFindings(findings) {
     const std::lock_guard lock(findings.mLock);
     mIsFirst = findings.mTried.emplace(id).second;
-    if (mIsFirst) seat::replaceFile(findings.inDoubtFile(), std::string(id) + "\n");
+    if (!mIsFirst) return;
+    findings.mInDoubt.emplace_back(id);
+    findings.writeInDoubt();
 }
 
 Findings::Attempt::~Attempt() {
     if (!mIsFirst) return;
-    std::error_code ignored;
-    std::filesystem::remove(mFindings.inDoubtFile(), ignored);
+    const std::lock_guard lock(mFindings.mLock);
+    mFindings.mInDoubt.pop_back();
+    mFindings.writeInDoubt();
 }
 
 }  // namespace probe

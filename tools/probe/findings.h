@@ -43,7 +43,8 @@ class Findings {
     std::filesystem::path reportFile() const { return mFolder / kReportFile; }
     std::filesystem::path inDoubtFile() const { return mFolder / kInDoubtFile; }
 
-    // The time of a call that a row is about. Once the call has come back it is not in doubt any more.
+    // The time of a call that a row is about; of several the innermost is in doubt. Once a row's call has come back it
+    // is not in doubt any more.
     class Attempt {
       public:
         Attempt(Findings& findings, std::string_view id);
@@ -65,6 +66,7 @@ class Findings {
     Finding& at(std::string_view id);
     const Finding& at(std::string_view id) const;
     void recallCrashes();
+    void writeInDoubt() const;  // mLock is held
     Report report() const;
     void write();  // mLock is held
 
@@ -74,7 +76,8 @@ class Findings {
     std::vector<std::pair<std::string, std::string>> mFacts;
     std::map<std::string, Finding, std::less<>> mFindings;
     std::set<std::string, std::less<>> mCrashed;  // rows whose call ended Creo
-    std::set<std::string, std::less<>> mTried;    // rows whose call came back
+    std::set<std::string, std::less<>> mTried;    // rows whose call was made
+    std::vector<std::string> mInDoubt;            // rows whose first call goes on, the innermost last
     bool mIsWritten = true;
 };
 

@@ -91,10 +91,14 @@ Probe::Probe(const EntryArguments& arguments, const void* argumentsOnStack)
                             makeResourceChecker, makeRegistrationChecker, makeDriverChecker}) {
         mCheckers.push_back(make(mContext));
     }
-    registerAll(mFindings, [this](Task task) {
-        if (mWindow) mWindow->show(task);
+    mContext.attempt("registration.menu", [this] {
+        registerAll(mFindings, [this](Task task) {
+            if (mWindow) mWindow->show(task);
+        });
     });
-    for (const auto& checker : mCheckers) checker->start();
+    for (const auto& checker : mCheckers) {
+        atEdge(0, [&] { return checker->start(), 0; });
+    }
     mWindow.emplace(mContext, [this](Task task, bool yes) {
         const std::lock_guard lock(mLock);
         mRequests.emplace_back(task, yes);
@@ -132,14 +136,22 @@ void Probe::tick() {
     if (mIsInTick) return;
     mIsInTick = true;
     for (const auto& [task, yes] : takeRequests()) {
-        for (const auto& checker : mCheckers) checker->perform(task, yes);
+        for (const auto& checker : mCheckers) {
+            atEdge(0, [&] { return checker->perform(task, yes), 0; });
+        }
     }
-    for (const auto& checker : mCheckers) checker->tick();
-    if (++mTicks % kTicksToLook == 0) {
-        for (const auto& checker : mCheckers) checker->look();
-        mFindings.flush();
-    }
+    runCheckers();
+    mFindings.flush();
     mIsInTick = false;
+}
+
+// What one of them throws keeps none of the others from its turn.
+void Probe::runCheckers() {
+    const bool isToLook = ++mTicks % kTicksToLook == 0;
+    for (const auto& checker : mCheckers) {
+        atEdge(0, [&] { return checker->tick(), 0; });
+        if (isToLook) atEdge(0, [&] { return checker->look(), 0; });
+    }
 }
 
 }  // namespace probe

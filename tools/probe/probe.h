@@ -26,6 +26,7 @@ class Probe {
     using Request = std::pair<Task, bool>;
 
     void setFacts();
+    void runCheckers();
     void startTimer();
     std::vector<Request> takeRequests();
 

@@ -18,7 +18,7 @@ namespace {
 constexpr int TRAIL_DEPTH_MAX = 4;  // a trail file may play another one, but not endlessly
 
 MacroCounts counts;
-std::vector<std::string> queuedMacros;  // the last one runs first
+std::vector<std::string> queuedMacros;   // the last one runs first
 std::optional<std::string> trailDialog;  // the name typed so far; nothing while the dialog is closed
 int trailDepth = 0;
 std::function<void()> wakeRunner = [] {};
