@@ -13,6 +13,10 @@
 #include "tests/substitutes/system.h"
 #include "tests/unit/scratch.h"
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 namespace {
 
 constexpr char kLogClass[] = "LogTest";
@@ -369,6 +373,28 @@ TEST_F(Log, MissingFoldersOfTheFileAreMade) {
     init();
     EXPECT_EQ(withoutDates(textOf(parameters.mLogFile)), header(parameters.mLogFile));
 }
+
+#ifdef _WIN32
+// What is written to the debugger's output: the system raises it as an exception, and goes on after it.
+std::string debuggerOutput;
+
+LONG CALLBACK hearDebuggerOutput(EXCEPTION_POINTERS* raised) {
+    const EXCEPTION_RECORD& record = *raised->ExceptionRecord;
+    if (record.ExceptionCode == DBG_PRINTEXCEPTION_C) {
+        debuggerOutput += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+    }
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+TEST_F(Log, FileThatCannotBeOpenedIsToldToTheDebugger) {
+    writeFile(folder.file("in the way"), "");
+    parameters.mLogFile = folder.file("in the way") + "\\x.log";
+    void* const handler = AddVectoredExceptionHandler(1, &hearDebuggerOutput);
+    init();
+    RemoveVectoredExceptionHandler(handler);
+    EXPECT_THAT(debuggerOutput, HasSubstr("Orbikon Creo plug-in: the log file '" + parameters.mLogFile + "' cannot"));
+}
+#endif
 
 TEST_F(Log, FileThatCannotBeOpenedIsToldOnceOutside) {
     writeFile(folder.file("in the way"), "");

@@ -42,20 +42,18 @@ std::string listOf(const Seat& seat, std::span<const char* const> keys) {
     return list;
 }
 
-// The nearest folder above a path that is there.
-fs::path existingFolder(const fs::path& folder) {
-    std::error_code error;
-    fs::path existing = folder;
-    while (!fs::is_directory(existing, error) && existing.has_relative_path()) existing = existing.parent_path();
-    return existing;
-}
-
-// Why a file could not be written in its place; nothing when it could.
+// Why a file could not be written in its place; nothing when it could. Folders that are missing are made.
 std::optional<std::string> placeProblem(const fs::path& file) {
     std::error_code error;
     if (fs::is_directory(file, error)) return "it is a folder";
     if (fs::exists(file, error)) return seat::rewritingProblem(file);
-    const fs::path folder = existingFolder(file.parent_path());
+    if (file.relative_path().string().find_first_of("<>:\"|?*") != std::string::npos) {
+        return "no file can have this name";
+    }
+    fs::path folder = file.parent_path();
+    for (; !fs::is_directory(folder, error) && folder.has_relative_path(); folder = folder.parent_path()) {
+        if (fs::exists(folder, error)) return textOf(folder) + " is no folder";
+    }
     const auto problem = seat::writingProblem(folder);
     return problem ? "nothing can be written in " + textOf(folder) + ": " + *problem : problem;
 }

@@ -118,8 +118,7 @@ void RegistrationFile::set(const ApplicationId& id, const RegistrationFields& fi
     parse();
 }
 
-// What follows a removed entry may end an unfinished one in front of it, which then is an entry of the application,
-// too.
+// What follows a removed entry may end an unfinished one in front of it, which then is the application's, too.
 bool RegistrationFile::remove(const ApplicationId& id) {
     bool isAnyRemoved = false;
     while (removeOnce(id)) isAnyRemoved = true;
