@@ -57,6 +57,17 @@ TEST(Registration, GoesInAndOutAndLeavesTheRestToTheByte) {
     }
 }
 
+// The probe stands beside the plug-in, and goes without it.
+TEST(Registration, ProbeAndPluginKeepTheirEntries) {
+    RegistrationFile file(kOursText);
+    file.set(kProbeId, probeRegistration("C:\\New\\orbikon_probe.dll", "C:\\New"));
+    ASSERT_EQ(file.entriesOf(kProbeId).size(), 1u);
+    EXPECT_EQ(file.entriesOf(kProbeId)[0]->value("fail_tol"), "TRUE");
+    EXPECT_EQ(file.entriesOf(kPluginId).size(), 1u);
+    EXPECT_TRUE(file.remove(kProbeId));
+    EXPECT_EQ(file.bytes(), kOursText);
+}
+
 TEST(Registration, ReplacesWhatIsOursInItsPlace) {
     const std::string foreign = "name other\nexec_file other.dll\nend\n";
     for (const std::string old : {

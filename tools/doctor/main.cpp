@@ -4,6 +4,7 @@
 
 #include "tools/cli/command_line.h"
 #include "tools/doctor/fix.h"
+#include "tools/doctor/probe_report.h"
 #include "tools/doctor/registering.h"
 #include "tools/doctor/report.h"
 #include "tools/seat/file.h"
@@ -21,6 +22,7 @@ constexpr char kUsage[] =
     "       orbikon_doctor register FILE | --load-point DIR [--plugin DLL] [--text-dir DIR]\n"
     "       orbikon_doctor unregister FILE | --load-point DIR\n"
     "       orbikon_doctor load-points [DIR...]\n"
+    "       orbikon_doctor probe-report FILE [--json]\n"
     "\n"
     "Looks at the Orbikon plug-in on a seat with Creo and says what is wrong and what to do. Without arguments it\n"
     "looks at the seat that it runs on. It changes nothing, unless --fix is given.\n"
@@ -41,6 +43,8 @@ constexpr char kUsage[] =
     "\n"
     "  --plugin DLL      otherwise the one that was installed with this program\n"
     "  --text-dir DIR    folder that holds \"text\"; otherwise the plug-in's, or the one above\n"
+    "\n"
+    "probe-report reads what orbikon_probe.dll has found in a Creo.\n"
     "\n"
     "Exit codes: 0 nothing wrong, 1 warnings, 2 errors, 3 wrong arguments\n";
 
@@ -123,6 +127,16 @@ int examine(const cli::ParsedArguments& arguments) {
     }
 }
 
+// What the probe has found, for people or programs.
+int showProbeReport(const cli::ParsedArguments& arguments) {
+    if (arguments.operands.size() != 2) return wrongArguments("probe-report needs one file");
+    std::string problem;
+    const auto text = doctor::probeReport(seat::pathOf(arguments.operands[1]), arguments.has("--json"), problem);
+    if (!text) return wrongArguments(problem);
+    cli::print(stdout, *text);
+    return kAllRight;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -130,6 +144,8 @@ int main(int argc, char** argv) {
     if (const auto code = doctor::runRegistering(words, programFile())) return *code;
     const cli::ParsedArguments arguments = cli::parse(words, kOptions);
     if (!arguments.problem.empty()) return wrongArguments(arguments.problem);
+    const bool isProbe = !arguments.operands.empty() && arguments.operands.front() == "probe-report";
+    if (isProbe && !arguments.has("--help")) return showProbeReport(arguments);
     if (!arguments.operands.empty()) return wrongArguments("'" + arguments.operands.front() + "' is no option");
     if (const auto code = answerAtOnce(arguments)) return *code;
     return examine(arguments);

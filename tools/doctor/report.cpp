@@ -10,6 +10,7 @@
 
 #include "common_sources/mnu/mnu_encoding.h"
 #include "tools/seat/file.h"
+#include "tools/seat/private_names.h"
 #include "tools/seat/text.h"
 
 namespace doctor {
@@ -18,7 +19,6 @@ namespace {
 
 constexpr std::size_t kLogLines = 200;
 constexpr int kStatusColumn = 8;
-constexpr std::size_t kShortestName = 2;  // what is shorter occurs in too many words
 
 std::string groupOf(std::string_view id) { return std::string(id.substr(0, id.find('.'))); }
 
@@ -57,34 +57,16 @@ std::string lastLines(const std::string& text, std::size_t count) {
     return text.substr(begin);
 }
 
-// Names that tell whose seat it is, and what stands for them; longer ones first.
-std::vector<std::pair<std::string, std::string>> privateNames(const Seat& seat) {
-    std::vector<std::pair<std::string, std::string>> names = {{seat::textOf(seat.profile), "%USERPROFILE%"},
-                                                              {seat::textOf(seat.profile.filename()), "%USERNAME%"}};
-    for (const char* variable : {"USERPROFILE", "USERNAME", "USERDOMAIN", "COMPUTERNAME", "LOGONSERVER"}) {
+// Names that tell whose seat it is, and what stands for them.
+seat::PrivateNames privateNames(const Seat& seat) {
+    seat::PrivateNames names = {{seat::textOf(seat.profile), "%USERPROFILE%"},
+                                {seat::textOf(seat.profile.filename()), "%USERNAME%"}};
+    for (const char* variable : seat::kPrivateVariables) {
         if (const char* value = std::getenv(variable)) {
             names.emplace_back(utf8FromCodePage(value), "%" + std::string(variable) + "%");
         }
     }
-    std::ranges::sort(names, std::ranges::greater{}, [](const auto& name) { return name.first.size(); });
     return names;
-}
-
-// Replaces a name in any letter case.
-void replaceAll(std::string& text, const std::string& name, const std::string& replacement) {
-    if (name.size() < kShortestName) return;
-    const std::string wanted = seat::lowerCase(name);
-    std::string lower = seat::lowerCase(text);
-    for (std::size_t at = lower.find(wanted); at != std::string::npos;
-         at = lower.find(wanted, at + replacement.size())) {
-        text.replace(at, name.size(), replacement);
-        lower.replace(at, name.size(), replacement);
-    }
-}
-
-std::string withoutNames(std::string text, const Seat& seat) {
-    for (const auto& [name, replacement] : privateNames(seat)) replaceAll(text, name, replacement);
-    return text;
 }
 
 std::string section(const std::string& title, const std::string& text) { return "\n== " + title + "\n\n" + text; }
@@ -120,7 +102,7 @@ std::string reportOf(const Seat& seat, const Findings& findings) {
     const seat::FileBytes log = seat::readFile(seat.logFile());
     text += section("Log, its last " + std::to_string(kLogLines) + " lines",
                     log.isRead() ? lastLines(utf8Text(log.bytes), kLogLines) : log.problem + "\n");
-    return withoutNames(std::move(text), seat);
+    return seat::withoutNames(std::move(text), privateNames(seat));
 }
 
 }  // namespace doctor

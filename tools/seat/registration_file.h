@@ -34,6 +34,7 @@ struct ApplicationId {
     std::string library;
 };
 inline const ApplicationId kPluginId{"orbikon_creo", "orbikon_creo.dll"};
+inline const ApplicationId kProbeId{"orbikon_probe", "orbikon_probe.dll"};
 
 class RegistrationFile {
   public:
@@ -83,5 +84,6 @@ class RegistrationFile {
 
 // The plug-in's entry. `execFile` is the DLL, `textDir` the folder that holds "text".
 RegistrationFields pluginRegistration(const std::string& execFile, const std::string& textDir);
+RegistrationFields probeRegistration(const std::string& execFile, const std::string& textDir);  // the same of the probe
 
 }  // namespace seat

@@ -20,6 +20,7 @@
 #include "workbench/host/control/device_support.h"
 #include "workbench/host/control/interactive.h"
 #include "workbench/host/control/options.h"
+#include "workbench/host/model/creo_variant.h"
 #include "workbench/host/model/host_state.h"
 #include "workbench/host/model/text.h"
 #include "workbench/host/toolkit/notifications.h"
@@ -112,7 +113,7 @@ void addProgramCommands(bool isInteractive) {
 
 // Each room knows those below it alone; what it needs of one above is handed in.
 void connectRooms() {
-    setMacroWaker([] { postToUi(runQueuedMacros); });
+    setMacroWaker([] { creoVariant().runsMacrosAtOnce ? runQueuedMacros() : postToUi(runQueuedMacros); });
     setCharacterHandler(typeMapkeyCharacter);
     setTimerFilter(dispatchTimerOnOffsetStack);
     addBuiltinCommands({[] { frame().redrawGraphics(); },
@@ -125,6 +126,7 @@ void connectRooms() {
 
 int run(const Options& options) {
     guardAgainstCrashes();
+    creoVariant() = options.creo;
     openUiLoop();
     setMisalignment(options.misaligns);
     connectRooms();

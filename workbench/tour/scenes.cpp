@@ -51,6 +51,11 @@ constexpr Scene kScenes[] = {
      "Somebody has edited the settings file and left an empty line in a section, which ends the section there. The cap "
      "is dead; the doctor names line and remedy.",
      playTrouble},
+    {"first-contact", "First contact: what of our assumptions holds in a Creo",
+     "Nobody here has Creo. A probe that is registered like the plug-in checks what the plug-in takes for granted, "
+     "lists "
+     "what its user is to do, and writes a report that says which file to change.",
+     playFirstContact},
 };
 
 }  // namespace

@@ -34,5 +34,6 @@ void playDaemonLoss(Stage& stage);
 void playInstaller(Stage& stage);
 bool isPackageThere();  // packaging/package.sh has made an installer
 void playTrouble(Stage& stage);
+void playFirstContact(Stage& stage);
 
 }  // namespace workbench

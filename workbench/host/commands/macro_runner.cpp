@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-#include <deque>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "workbench/host/commands/commands.h"
 #include "workbench/host/commands/key_sequence.h"
@@ -18,7 +18,7 @@ namespace {
 constexpr int TRAIL_DEPTH_MAX = 4;  // a trail file may play another one, but not endlessly
 
 MacroCounts counts;
-std::deque<std::string> queuedMacros;
+std::vector<std::string> queuedMacros;   // the last one runs first
 std::optional<std::string> trailDialog;  // the name typed so far; nothing while the dialog is closed
 int trailDepth = 0;
 std::function<void()> wakeRunner = [] {};
@@ -76,8 +76,8 @@ void queueMacro(const std::string& macro) {
 
 void runQueuedMacros() {
     while (!queuedMacros.empty()) {
-        const std::string macro = std::move(queuedMacros.front());
-        queuedMacros.pop_front();
+        const std::string macro = std::move(queuedMacros.back());
+        queuedMacros.pop_back();
         ++counts.queuedRun;
         host().history.clear();  // before, so that the macro itself cannot undo, and after for what it did
         runMacro(macro);

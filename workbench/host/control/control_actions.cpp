@@ -247,6 +247,7 @@ std::vector<ControlCommand> actionCommands() {
              toolkitCalls().forgetActions();
          }},
         {"during", during},
+        {"crash", [](const Request&, Lines&) { __builtin_trap(); }},
         {"notify",
          [](const Request& request, Lines&) {
              require(notifications().fire(request.number(0)), "nothing is registered for that type");

@@ -55,6 +55,7 @@ Doing
   plugin terminate | initialize | unload | load | reload N
   plugin call terminate | call initialize     calls the entry point, whatever was called before
   exit                        ends the host
+  crash                       ends it as a fault in its own code does
 
 Going wrong on purpose. FUNCTION is one of the toolkit's, or SetTimer or _beginthreadex of Windows, which can only
 fail. WHICH is 3 (the third call from now on, that one alone), 2-5, always or never; the next call unless given. A call

@@ -1,6 +1,7 @@
 #include "workbench/host/control/options.h"
 
 #include <charconv>
+#include <stdexcept>
 
 namespace workbench {
 namespace {
@@ -30,17 +31,29 @@ bool readNumber(const std::string& text, unsigned long& number) {
     return error == std::errc{} && end == text.data() + text.size();
 }
 
+void setVariant(Options& options, const std::string& names) {
+    try {
+        options.creo = parseCreoVariant(names);
+    } catch (const std::runtime_error& error) {
+        options.error = error.what();
+    }
+}
+
 }  // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments) {
     Options options;
     for (std::size_t i = 0; i < arguments.size() && options.error.empty(); ++i) {
         if (setFlag(options, arguments[i])) continue;
-        if (arguments[i] != "--parent") {
+        const std::string value = i + 1 < arguments.size() ? arguments[i + 1] : "";
+        if (arguments[i] == "--creo") {
+            setVariant(options, value);
+        } else if (arguments[i] != "--parent") {
             options.error = "unknown option " + arguments[i];
-        } else if (++i == arguments.size() || !readNumber(arguments[i], options.parent)) {
+        } else if (!readNumber(value, options.parent)) {
             options.error = "--parent needs a process id";
         }
+        ++i;
     }
     return options;
 }

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "workbench/host/model/creo_variant.h"
+
 namespace workbench {
 
 struct Options {
@@ -13,6 +15,7 @@ struct Options {
     bool isHidden = false;         // --hidden: the windows are made but not shown
     bool misaligns = false;        // --misalign: as control's "misalign on", from the start
     unsigned long parent = 0;      // --parent PID: end with that process
+    CreoVariant creo{};            // --creo VARIANT,...: another Creo, in these ways
     bool isVersionWanted = false;  // --version: shown on standard output, nothing is started
     std::string error;             // "" when the command line is understood
 };
@@ -20,7 +23,7 @@ struct Options {
 Options parseOptions(const std::vector<std::string>& arguments);
 
 inline constexpr const char* USAGE =
-    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--hidden] [--misalign] [--parent PID] "
-    "[--version]";
+    "creo_host [--no-plugin] [--require-plugin] [--interactive] [--hidden] [--misalign] [--parent PID]\n"
+    "          [--creo modes,module,matrix,macros,no-menu-bar,windows] [--version]";
 
 }  // namespace workbench

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "workbench/host/commands/commands.h"
+#include "workbench/host/model/creo_variant.h"
 #include "workbench/host/model/host_state.h"
 #include "workbench/host/model/text.h"
 #include "workbench/host/toolkit/message_texts.h"
@@ -98,6 +99,7 @@ bool Plugins::load(Plugin& plugin) {
                      "\" (" + systemError(GetLastError()) + ").");
         return false;
     }
+    if (creoVariant().hasOtherModule) LoadLibraryW(L"creo_toolkit.dll");
     watchSystemCallsOf(plugin.module);
     return true;
 }

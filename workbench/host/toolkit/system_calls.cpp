@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/host/model/creo_variant.h"
 #include "workbench/host/toolkit/plugin_call.h"
 #include "workbench/host/toolkit/toolkit_call.h"
 
@@ -35,6 +36,16 @@ UINT_PTR WINAPI noteTimer(HWND window, UINT_PTR id, UINT interval, TIMERPROC pro
 BOOL WINAPI noteTimerEnd(HWND window, UINT_PTR id) {
     timers.erase({window, id});
     return KillTimer(window, id);
+}
+
+// The toolkit functions of the main module are not found by name in a Creo that has them in another.
+FARPROC WINAPI findFunction(HMODULE module, LPCSTR name) {
+    const bool isToolkit = !IS_INTRESOURCE(name) && std::strncmp(name, "Pro", 3) == 0;
+    if (creoVariant().hasOtherModule && isToolkit && module == GetModuleHandleW(nullptr)) {
+        SetLastError(ERROR_PROC_NOT_FOUND);
+        return nullptr;
+    }
+    return GetProcAddress(module, name);
 }
 
 void forgetEndedThreads() {  // threadLock is held
@@ -77,6 +88,7 @@ void replace(IMAGE_THUNK_DATA* slot, void* function) {
 void* watcherOf(const char* function) {
     static const std::pair<const char*, void*> WATCHERS[] = {
         {"SetTimer", reinterpret_cast<void*>(noteTimer)},
+        {"GetProcAddress", reinterpret_cast<void*>(findFunction)},
         {"KillTimer", reinterpret_cast<void*>(noteTimerEnd)},
         {"_beginthreadex", reinterpret_cast<void*>(noteThread)},
     };

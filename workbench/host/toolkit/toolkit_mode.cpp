@@ -2,6 +2,7 @@
 #include "workbench/host/commands/key_sequence.h"
 #include "workbench/host/commands/macro_runner.h"
 #include "workbench/host/commands/macro_text.h"
+#include "workbench/host/model/creo_variant.h"
 #include "workbench/host/model/host_state.h"
 #include "workbench/host/model/text.h"
 #include "workbench/host/toolkit/notifications.h"
@@ -30,6 +31,7 @@ ProError ProModeCurrentGet(ProMode* mode) {
     return toolkitCall(__func__, [&] {
         if (mode == nullptr) return PRO_TK_BAD_INPUTS;
         *mode = host().mode();
+        if (creoVariant().hasOtherModes && *mode >= PRO_MODE_PART) ++*mode;
         return PRO_TK_NO_ERROR;
     });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "workbench/host/commands/commands.h"
+#include "workbench/host/model/creo_variant.h"
 #include "workbench/host/model/host_state.h"
 #include "workbench/host/model/text.h"
 
@@ -83,7 +84,7 @@ MenuBar& menuBar() {
     return bar;
 }
 
-MenuBar::MenuBar() : mMenus(ownMenus()) {}
+MenuBar::MenuBar() : mMenus(creoVariant().isWithoutMenuBar ? std::vector<Menu>{} : ownMenus()) {}
 
 ProError MenuBar::add(Menu menu, const std::string& neighbour, bool after) {
     return insertBeside(mMenus, std::move(menu), neighbour, after);
@@ -100,6 +101,7 @@ void MenuBar::dropPluginMenus() {
 }
 
 HMENU MenuBar::build() const {
+    if (mMenus.empty()) return nullptr;
     HMENU bar = CreateMenu();
     unsigned id = FIRST_ID;
     for (const Menu& menu : mMenus) {

@@ -37,7 +37,7 @@ class MenuBar {
 
     const std::vector<Menu>& menus() const { return mMenus; }
 
-    // Windows menu with the items; their identifiers are those of itemById.
+    // Windows menu with the items, null without any menu; their identifiers are those of itemById.
     HMENU build() const;
     const MenuItem* itemById(unsigned id) const;
     // Marks and greys the items of a menu as their commands' callbacks tell.

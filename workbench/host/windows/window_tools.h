@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include "workbench/host/model/creo_variant.h"
+
 namespace workbench {
 
 // A window as the control pipe knows it.
@@ -35,9 +37,22 @@ inline void registerWindowClass(const wchar_t* name, WNDPROC procedure, HBRUSH b
     RegisterClassW(&windowClass);
 }
 
+// The class of a Creo whose classes have other names; the same otherwise.
+inline std::wstring classInThisCreo(const wchar_t* className) {
+    if (!creoVariant().hasOtherClasses) return className;
+    const std::wstring other = std::wstring(L"Other") + className;
+    WNDCLASSW windowClass{};
+    GetClassInfoW(program(), className, &windowClass);
+    windowClass.hInstance = program();
+    windowClass.lpszClassName = other.c_str();
+    RegisterClassW(&windowClass);
+    return other;
+}
+
 inline HWND makeChild(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, DWORD extended = 0) {
-    const HWND window = CreateWindowExW(extended, className, text, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style, 0,
-                                        0, 10, 10, parent, nullptr, program(), nullptr);
+    const HWND window = CreateWindowExW(extended, classInThisCreo(className).c_str(), text,
+                                        WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style, 0, 0, 10, 10, parent, nullptr,
+                                        program(), nullptr);
     if (window == nullptr) throw std::runtime_error("a child window cannot be made");
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(uiFont()), TRUE);
     return window;
