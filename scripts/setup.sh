@@ -4,11 +4,14 @@
 #
 #   scripts/setup.sh            everything that ./test needs
 #   scripts/setup.sh run        only what ./run needs (no sanitizers, linters, fuzzers)
+#   scripts/setup.sh bench      only what ./bench needs (nothing for Windows)
 set -euo pipefail
 exec 5>&-  # the lock of the run that has started this: no service that apt starts may keep it
 
-run_packages=(cmake ninja-build g++ g++-mingw-w64-i686-posix googletest nlohmann-json3-dev xvfb fonts-wine)
-test_packages=(clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev)
+native_packages=(cmake ninja-build g++ googletest nlohmann-json3-dev)
+run_packages=("${native_packages[@]}" g++-mingw-w64-i686-posix xvfb fonts-wine)
+test_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
+bench_packages=(pkg-config libspdlog-dev libinih-dev libhyperscan-dev)  # what ./bench compares with
 wine_packages=(wine wine32:i386)
 lock_timeout=300  # seconds to wait for another installation on this machine
 
@@ -84,8 +87,11 @@ install_missing() {
     say "packages installed"
 }
 
-wanted=("${run_packages[@]}" "${wine_packages[@]}")
-[ "${1:-all}" = run ] || wanted+=("${test_packages[@]}")
+case ${1:-all} in
+    run) wanted=("${run_packages[@]}" "${wine_packages[@]}") ;;
+    bench) wanted=("${native_packages[@]}" "${bench_packages[@]}") ;;
+    *) wanted=("${run_packages[@]}" "${wine_packages[@]}" "${test_packages[@]}") ;;
+esac
 missing=()
 for package in "${wanted[@]}"; do is_installed "$package" || missing+=("$package"); done
 if [ ${#missing[@]} -gt 0 ]; then
