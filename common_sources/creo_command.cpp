@@ -51,7 +51,7 @@ void CreoProxy::execApplFunction(std::uint32_t menuFncIdx) {
                               << static_cast<int>(mMenuFunctions.size()) - 1 << ")!";
         return;
     }
-    const std::string& command = mMenuFunctions[menuFncIdx];
+    const std::string command(mMenuFunctions[menuFncIdx]);
     if (command == kToggleMoveCommand) {
         toggleComponentMove();
         return;

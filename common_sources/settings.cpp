@@ -85,9 +85,9 @@ std::string environmentVariable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-void assign(std::string& member, const std::string& text) { member = text; }
-void assign(std::int32_t& member, const std::string& text) { member = leadingInteger(text); }
-void assign(bool& member, const std::string& text) { member = isSwitchedOn(text); }
+void assign(std::string& member, std::string_view text) { member = text; }
+void assign(std::int32_t& member, std::string_view text) { member = leadingInteger(text); }
+void assign(bool& member, std::string_view text) { member = isSwitchedOn(text); }
 
 std::string toText(const std::string& member) { return member; }
 std::string toText(std::int32_t member) { return std::to_string(member); }
@@ -145,11 +145,11 @@ int Settings::readSettingsFile(const std::string& path) {
     if (!file.isOpen()) return -1;
     try {
         for (const auto& key : kProgramKeys) {
-            const std::string text = readParameter(file, kProgramSection, key.name);
+            const std::string_view text = readParameter(file, kProgramSection, key.name);
             std::visit([&](auto member) { assign(this->*member, text); }, key.member);
         }
         for (const auto& key : kLoggingKeys) {
-            const std::string text = readParameter(file, mLogPars.mSectionName.c_str(), key.name);
+            const std::string_view text = readParameter(file, mLogPars.mSectionName, key.name);
             std::visit([&](auto member) { assign(mLogPars.*member, text); }, key.member);
         }
         tellMistakes(path);
@@ -159,10 +159,10 @@ int Settings::readSettingsFile(const std::string& path) {
     return 0;
 }
 
-std::string Settings::readParameter(Cnfg& file, const char* section, const char* key) const {
-    std::string value;
+std::string_view Settings::readParameter(Cnfg& file, std::string_view section, std::string_view key) const {
+    std::string_view value;
     const std::int32_t status = file.readParameter(section, key, value);
-    if (status == Cnfg::kReadFailed) throw std::ios_base::failure(file.errorText());
+    if (status == Cnfg::kReadFailed) throw std::runtime_error(file.errorText());
     if (status != Cnfg::kOk) OB_LOG(LogLevel::ERR) << file.errorText();
     return value;
 }
