@@ -170,7 +170,7 @@ std::string_view Settings::readParameter(Cnfg& file, std::string_view section, s
 void Settings::writeSettingsFile(const std::string& path) const {
     OB_LOG(LogLevel::TRC) << "Writing new default settings file ...";
     NewFile file(path);
-    file.stream() << fileText();
+    file.write(fileText());
     if (file.publish()) {
         OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
         return;
