@@ -419,7 +419,11 @@ void Logging::append(std::uint64_t number) {
 }
 
 void Logging::append(double number) {
-    if (isOwner()) addNumber(number, std::chars_format::general, 6);
+    if (!isOwner()) return;
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%g", number);
+    std::ranges::replace(digits, ',', '.');  // whatever the host has made of the C library's locale
+    add(digits);
 }
 
 void Logging::append(char character) {
@@ -432,7 +436,6 @@ void Logging::appendPointer(const void* pointer) {
     addNumber(reinterpret_cast<std::uintptr_t>(pointer), 16);
 }
 
-// Follows no locale.
 template <typename... Format>
 void Logging::addNumber(Format... format) {
     char digits[24];
