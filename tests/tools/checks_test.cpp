@@ -188,7 +188,7 @@ TEST(Installations, LoadPointsHostsAndLanguagesAreFound) {
     EXPECT_EQ(seat::findHost(found[1]).file, host);
     EXPECT_EQ(seat::findHost(found[1]).machineType, "i486_nt");
     EXPECT_EQ(findLoadPoint(host), std::filesystem::path());
-    const auto libraries = compiledResources(found[1]);
+    const std::filesystem::path libraries = compiledResources(found[1]);
     std::filesystem::create_directories(libraries);
     EXPECT_EQ(findLoadPoint(host), found[1]);
     for (const char* name : {"pro_default_resources.dll", "PRO_DEFAULT_German_resources.dll",

@@ -244,7 +244,7 @@ std::string plainPrefix(std::string file, int line, const std::string& method) {
 TEST_F(Log, EqualsThePlainWayOnRandomStatements) {
     std::mt19937_64 random(4711);
     const auto word = [&](std::size_t longest) {
-        std::string text(random() % (longest + 1), ' ');
+        std::string text(static_cast<std::size_t>(random() % (longest + 1)), ' ');
         for (char& c : text) c = "ab/\\. \x80\xff"[random() % 8];
         return text;
     };
@@ -258,7 +258,7 @@ TEST_F(Log, EqualsThePlainWayOnRandomStatements) {
         const auto whole = static_cast<std::int64_t>(random() >> random() % 64);
         const double fraction =
             round % 50 == 0 ? std::pow(-10.0, round) / (round % 100) : std::bit_cast<double>(random());
-        const void* pointer = round % 9 == 0 ? nullptr : &path[0] + whole % 9999;
+        const void* pointer = round % 9 == 0 ? nullptr : path.c_str() + whole % 9999;
         std::ostringstream plain;
         plain << text << 'c' << whole << ',' << fraction << ',' << pointer << ',' << (whole % 2 == 0);
         expected.push_back(plain.str());
