@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <tuple>
 
@@ -158,7 +160,9 @@ TEST_F(Reader, EqualsThePlainReadingOnRandomFiles) {
         for (auto count = random() % 40; count > 0; --count) text += kPieces[random() % std::size(kPieces)];
         const std::string path = write(text);
         Cnfg file(path);
-        PlainCnfg plain(text);
+        std::ifstream asText(path);  // with the system's line ends
+        PlainCnfg plain(std::string{std::istreambuf_iterator<char>(asText), {}});
+        asText.close();
         for (int step = 0; step < 30; ++step) {
             std::string_view key, value;
             std::string plainKey, plainValue;
