@@ -1,6 +1,6 @@
 // Runs what the user bound to a device button: an entry of the menu file, or a standard view.
 #include <array>
-#include <iostream>
+#include <cstdio>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/command_text.h"
@@ -51,7 +51,7 @@ void CreoProxy::execApplFunction(std::uint32_t menuFncIdx) {
                               << static_cast<int>(mMenuFunctions.size()) - 1 << ")!";
         return;
     }
-    const std::string& command = mMenuFunctions[menuFncIdx];
+    const std::string command(mMenuFunctions[menuFncIdx]);
     if (command == kToggleMoveCommand) {
         toggleComponentMove();
         return;
@@ -68,7 +68,7 @@ void CreoProxy::execApplFunction(std::uint32_t menuFncIdx) {
     }
     std::wstring wide = toWide(macro);
     const ProError err = ProMacroLoad(wide.data());
-    if (err != PRO_TK_NO_ERROR) std::cerr << "Error in ProMacroLoad()! err=" << err << std::endl;
+    if (err != PRO_TK_NO_ERROR) std::fprintf(stderr, "Error in ProMacroLoad()! err=%d\n", static_cast<int>(err));
 }
 
 void CreoProxy::execSpecialApplFunction(std::int32_t code) {

@@ -5,14 +5,13 @@
 #include <windows.h>
 
 #include <atomic>
-#include <filesystem>
+#include <string>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/edge.h"
 #include "common_sources/hand_over.h"
 #include "common_sources/load_point.h"
-#include "common_sources/mnu/mnu_encoding.h"
 #include "common_sources/mnu/mnu_parser.h"
 #include "common_sources/settings.h"
 
@@ -22,16 +21,19 @@ constexpr char kLogClass[] = "CreoProxy";
 
 constexpr DWORD kLongestPath = 32768;  // characters, with the end
 
-std::filesystem::path ownExecutable() {
-    std::wstring path(kLongestPath, L'\0');
+NativePath ownExecutable() {
+    NativePath path(kLongestPath, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), kLongestPath));
     return path;
 }
 
 // In the process code page, as the generation takes it.
-std::string narrow(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return codePageFromUtf8({reinterpret_cast<const char*>(text.data()), text.size()});
+std::string narrow(const NativePath& path) {
+    const int length = static_cast<int>(path.size());
+    std::string result(WideCharToMultiByte(CP_ACP, 0, path.data(), length, nullptr, 0, nullptr, nullptr), '\0');
+    WideCharToMultiByte(CP_ACP, 0, path.data(), length, result.data(), static_cast<int>(result.size()), nullptr,
+                        nullptr);
+    return result;
 }
 
 }  // namespace
@@ -56,7 +58,7 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
         endGeneration();
         return hasSucceeded ? Generation::succeeded : Generation::failed;
     }
-    const std::filesystem::path loadpoint = findLoadPoint(ownExecutable());
+    const NativePath loadpoint = findLoadPoint(ownExecutable());
     const CreoLanguage language = creoLanguage(mSettings.mMNULanguage);
     if (loadpoint.empty() || language.name.empty()) {
         OB_LOG(LogLevel::ERR) << "Cannot determine loadpoint and/or language";

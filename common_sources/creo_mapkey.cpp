@@ -2,7 +2,7 @@
 // command, and the mapkey's keys are posted to Creo's main window.
 #include <windows.h>
 
-#include <fstream>
+#include <cstdio>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/command_text.h"
@@ -46,11 +46,11 @@ bool isOwnWindow(HWND window) {
 
 // True when the whole file is on disk.
 bool writeTrailFile(const std::string& path, const std::string& macro) {
-    std::ofstream file(path, std::ios::trunc);
-    if (!file) return false;
-    file << trailFileText(macro);
-    file.close();
-    return file.good();
+    const std::string text = trailFileText(macro);
+    std::FILE* file = std::fopen(path.c_str(), "w");
+    if (file == nullptr) return false;
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && isWritten;
 }
 
 }  // namespace

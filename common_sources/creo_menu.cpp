@@ -1,12 +1,10 @@
 // Reads the menu file into the table by which a button's function index becomes a command.
-#include <fstream>
-#include <iterator>
+#include <utility>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
 #include "common_sources/hand_over.h"
 #include "common_sources/load_point.h"
-#include "common_sources/mnu/mnu_check.h"
 #include "common_sources/mnu/mnu_reader.h"
 #include "common_sources/settings.h"
 #include "config/cnfg.h"
@@ -21,16 +19,15 @@ constexpr char kRenewal[] = "; delete it, start Creo, which makes it anew, and b
 constexpr std::chrono::seconds kPatience{30};  // with a menu file that another program holds
 
 // A menu file that can be read and still does not serve the user.
-void tellMistakes(const std::string& path, const std::string& mnuLanguage) {
-    std::ifstream file(path, std::ios::binary);
-    const MenuFileFacts facts = menuFileFacts(std::string{std::istreambuf_iterator<char>(file), {}});
+void tellMistakes(const std::string& path, std::size_t commands, const OwnLanguage& own,
+                  const std::string& mnuLanguage) {
     const std::string language = creoLanguage(mnuLanguage).name;
-    if (facts.commands == 0) {
+    if (commands == 0) {
         OB_LOG_IN(LogLevel::WRN, "loadMenufile")
             << "Menu file '" << path << "' has no entry, buttons run no commands" << kRenewal;
-    } else if (facts.isForeignTo(language)) {
+    } else if (own.isForeignTo(language)) {
         OB_LOG_IN(LogLevel::WRN, "loadMenufile")
-            << "Menu file '" << path << "' is " << (facts.hasGerman ? "German" : "English") << ", Creo's language is '"
+            << "Menu file '" << path << "' is " << (own.isGerman ? "German" : "English") << ", Creo's language is '"
             << language << "'" << kRenewal;
     }
 }
@@ -88,6 +85,6 @@ bool CreoProxy::readMenuFile(Cnfg& file, const std::string& path) {
     mHandOver.publishModeNames(std::move(content.modeNames));
     mMenuFunctions = std::move(content.commands);
     OB_LOG(LogLevel::TRC) << "Menu file '" << path << "' with " << mMenuFunctions.size() << " entries loaded.";
-    tellMistakes(path, mSettings.mMNULanguage);
+    tellMistakes(path, mMenuFunctions.size(), content.ownLanguage, mSettings.mMNULanguage);
     return true;
 }

@@ -12,6 +12,7 @@
 #include "common_sources/edge.h"
 #include "common_sources/hand_over.h"
 #include "common_sources/legacy_com1.h"
+#include "common_sources/motion_step.h"
 #include "common_sources/rotation.h"
 #include "common_sources/settings.h"
 #include "toolkit/pro_toolkit.h"
@@ -112,26 +113,6 @@ struct Axes {
     }
 };
 
-// One step of the selection along (model units) and about (radians) the screen's axes.
-struct Step {
-    Vector3 ax, ay, az;  // screen right, screen up, towards the viewer; unit vectors in model coordinates
-    double dtx, dty, dtz;
-    double drx, dry, drz;
-};
-
-// Rot(first) * Rot(second) * Rot(third); a factor whose angle is exactly 0 is left out.
-struct AxisAngle {
-    const Vector3& axis;
-    double angle;
-};
-Matrix3 composedRotation(const AxisAngle& first, const AxisAngle& second, const AxisAngle& third) {
-    Matrix3 composed = kIdentity3;
-    for (const auto& [axis, angle] : {first, second, third}) {
-        if (angle != 0.0) composed = composed * rotation(axis, angle);
-    }
-    return composed;
-}
-
 // The screen's axes in model coordinates. False when the host does not tell its view or the view is degenerate.
 bool getScreenAxes(Vector3& ax, Vector3& ay, Vector3& az) {
     ProMatrix view{};
@@ -164,7 +145,7 @@ struct SelectedComponent {
             ProAsmcompPositionGet(&component, position) != PRO_TK_NO_ERROR) {
             return leaveAlone(id, "its position cannot be read");
         }
-        if (!isFinite(originOf(position)) || !spansSpace()) {
+        if (!isTurnable(position)) {
             return leaveAlone(id, "its position is degenerate or not finite");
         }
         return true;
@@ -174,11 +155,6 @@ struct SelectedComponent {
     static bool leaveAlone(int id, const char* reason) {
         notMoved.tell(id, reason);
         return false;
-    }
-    // Whether the axes point in three directions. What is not finite does not.
-    bool spansSpace() const {
-        constexpr double kFlat = 1e-9;
-        return std::abs(determinant(withUnitRows(blockOf(position)))) > kFlat;
     }
 };
 
@@ -204,36 +180,14 @@ std::vector<bool> Members::sSpare;
 
 // Centre of the bounding box of the selected components' origins; not finite when they are too far apart.
 Vector3 centreOf(const Selections& selections, int count, Members& members) {
-    Vector3 low{}, high{};
-    bool isSeeded = false;
+    OriginBox box;
     for (int i = 0; i < count; ++i) {
         SelectedComponent selected;
         if (!selected.read(selections.at(i))) continue;
         members.add(i);
-        const Vector3 origin = originOf(selected.position);
-        if (!isSeeded) low = high = origin;
-        isSeeded = true;
-        for (int k = 0; k < 3; ++k) {
-            low[k] = std::min(low[k], origin[k]);
-            high[k] = std::max(high[k], origin[k]);
-        }
+        box.add(originOf(selected.position));
     }
-    return low + (high - low) * 0.5;
-}
-
-// False when the result would not be finite; the position is of no use then.
-bool movePosition(ProMatrix& position, const Step& step, const Matrix3& pivotRotation, const Matrix3& axisRotation,
-                  const Vector3& centre) {
-    Vector3 origin = pivotRotation * (originOf(position) - centre) + centre;
-    Matrix3 axes = blockOf(position);
-    for (auto& axis : axes) axis = axisRotation * axis;
-    // The columns, not the axes, get unit length.
-    axes = transposed(withUnitRows(transposed(axes)));
-    if (step.dtx != 0.0 || step.dty != 0.0 || step.dtz != 0.0) {
-        origin = origin + step.ax * step.dtx + step.ay * step.dty + step.az * step.dtz;
-    }
-    toToolkit(axes, origin, position);
-    return isFinite(axes) && isFinite(origin);
+    return box.centre();
 }
 
 // Moves and turns the selected components by one step, as a group about the centre of their origins. False when there
@@ -258,14 +212,11 @@ bool moveComponents(const Step& step) {
             return false;
         }
         Members members(count);
-        const Vector3 centre = centreOf(selections, count, members);
-        const AxisAngle x{step.ax, step.drx}, y{step.ay, step.dry}, z{step.az, step.drz};
-        const Matrix3 pivotRotation = composedRotation(x, y, z);
-        const Matrix3 axisRotation = composedRotation(z, y, x);  // the other order, as it always was
+        const GroupMove move(step, centreOf(selections, count, members));
         for (int i = 0; i < count; ++i) {
             SelectedComponent selected;
             if (!members.contains(i) || !selected.read(selections.at(i))) continue;
-            if (!movePosition(selected.position, step, pivotRotation, axisRotation, centre)) {
+            if (!move.apply(selected.position)) {
                 notMoved.tell(selected.component.id, "it would come to lie nowhere");
                 continue;
             }

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "common_sources/log_limit.h"
+#include "common_sources/mnu/mnu_reader.h"
 
 struct HWND__;  // Windows' window handle, without its headers. NOLINT(bugprone-reserved-identifier)
 using WindowHandle = HWND__*;
@@ -142,8 +143,8 @@ class CreoProxy {
     Settings& mSettings;
     HandOver& mHandOver;
     LegacyCom1& mLegacyCom1;
-    Names mMenuFunctions;  // command strings by function index
-    LogLimit mLogLimit;    // for lines that nobody but us asks for
+    CommandTable mMenuFunctions;  // command strings by function index
+    LogLimit mLogLimit;           // for lines that nobody but us asks for
     bool mIsInTick = false;
     bool mIsTimerArmed = false;
     bool mIsComponentMoveOn = false;

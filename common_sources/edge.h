@@ -21,7 +21,8 @@ struct Edge {
 // Logs "Error <method>()", unless not even that can be done.
 inline void logErrorAt(const Edge& edge) noexcept {
     try {
-        OB_LOG_AT(LogLevel::ERR, edge.file, edge.line, edge.className, edge.method) << "Error " << edge.method << "()";
+        OB_LOG_AT(LogLevel::ERR, LogSource(edge.file), edge.line, edge.className, edge.method)
+            << "Error " << edge.method << "()";
     } catch (...) {  // the line is lost, the edge holds
     }
 }

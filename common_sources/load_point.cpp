@@ -2,15 +2,37 @@
 
 #include <cctype>
 #include <cstdlib>
-#include <system_error>
+#include <string_view>
 
 #ifdef _WIN32
 #include <windows.h>
+#else
+#include <sys/stat.h>
 #endif
 
-namespace fs = std::filesystem;
-
 namespace {
+
+constexpr auto kSeparator = std::filesystem::path::preferred_separator;
+
+bool isFolder(const NativePath& path) {
+#ifdef _WIN32
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+#else
+    struct stat facts {};
+    return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+#endif
+}
+
+// Empty above the first folder of a drive or server.
+NativePath parentOf(const NativePath& path) {
+    static constexpr NativePath::value_type kSeparators[] = {kSeparator, '/', 0};
+    NativePath parent = path.substr(0, path.find_last_of(kSeparators) + 1);
+    parent.resize(parent.find_last_not_of(kSeparators) + 1);
+    const auto firstFolder = parent.find_first_of(kSeparators, parent.find_first_not_of(kSeparators));
+    const bool isRoot = kSeparator == '\\' && firstFolder == parent.npos;  // "C:" or "\\server"
+    return isRoot ? NativePath() : parent;
+}
 
 std::string systemLanguage() {
 #ifdef _WIN32
@@ -31,12 +53,18 @@ CreoLanguage deciding(const std::string& mnuLanguage) {
 
 }  // namespace
 
-fs::path compiledResources(const fs::path& loadPoint) { return loadPoint / "text" / "compiled_resource"; }
+NativePath compiledResources(const NativePath& loadPoint) {
+    NativePath path = loadPoint;
+    for (const std::string_view folder : {"text", "compiled_resource"}) {
+        path += kSeparator;
+        path.append(folder.begin(), folder.end());
+    }
+    return path;
+}
 
-fs::path findLoadPoint(const fs::path& executable) {
-    std::error_code error;
-    for (fs::path folder = executable.parent_path(); folder.has_relative_path(); folder = folder.parent_path()) {
-        if (fs::is_directory(compiledResources(folder), error)) return folder;
+NativePath findLoadPoint(const NativePath& executable) {
+    for (NativePath folder = parentOf(executable); !folder.empty(); folder = parentOf(folder)) {
+        if (isFolder(compiledResources(folder))) return folder;
     }
     return {};
 }

@@ -4,11 +4,15 @@
 #include <filesystem>
 #include <string>
 
+// A path of any script. Not std::filesystem's own class, whose conversions would bring half a megabyte of locales into
+// the plug-in; it converts to and from this one.
+using NativePath = std::filesystem::path::string_type;
+
 // Folder of the compiled resource libraries below a load point.
-std::filesystem::path compiledResources(const std::filesystem::path& loadPoint);
+NativePath compiledResources(const NativePath& loadPoint);
 
 // The nearest folder above Creo's executable that has compiled resources; empty when there is none.
-std::filesystem::path findLoadPoint(const std::filesystem::path& executable);
+NativePath findLoadPoint(const NativePath& executable);
 
 struct CreoLanguage {
     std::string name;     // lower case, as in the libraries' names; empty when nothing names one

@@ -1,16 +1,16 @@
 #include "common_sources/settings.h"
 
-#include <fstream>
-#include <iomanip>
-#include <iterator>
-#include <sstream>
-#include <type_traits>
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <stdexcept>
 #include <variant>
 #include <vector>
 
 #include "common_sources/profile_folder.h"
 #include "common_sources/settings_value.h"
 #include "config/cnfg.h"
+#include "config/file_text.h"
 #include "config/new_file.h"
 
 namespace {
@@ -22,8 +22,8 @@ constexpr char kApplicationsDir[] = "Applications";
 constexpr char kSettingsFile[] = "Creo_plugin.ini";
 constexpr char kProgramSection[] = "PROGRAM";
 constexpr char kLoggingSection[] = "LOGGING";
-constexpr int kKeyColumn = 24;
-constexpr int kValueColumn = 50;
+constexpr std::size_t kKeyColumn = 24;
+constexpr std::size_t kValueColumn = 50;
 
 // A key of the file: the member that holds its value and the comment behind it.
 template <typename Record>
@@ -80,9 +80,9 @@ constexpr Key<LoggingParameters> kLoggingKeys[] = {
     {"fileToLog", &LoggingParameters::mExclFileToLog, "# name of the exclusively logged file", "  mExclFileToLog: "},
 };
 
-void assign(std::string& member, const std::string& text) { member = text; }
-void assign(std::int32_t& member, const std::string& text) { member = leadingInteger(text); }
-void assign(bool& member, const std::string& text) { member = isSwitchedOn(text); }
+void assign(std::string& member, std::string_view text) { member = text; }
+void assign(std::int32_t& member, std::string_view text) { member = leadingInteger(text); }
+void assign(bool& member, std::string_view text) { member = isSwitchedOn(text); }
 
 std::string toText(const std::string& member) { return member; }
 std::string toText(std::int32_t member) { return std::to_string(member); }
@@ -93,10 +93,15 @@ std::string toText(const Record& record, const Key<Record>& key) {
     return std::visit([&](auto member) { return toText(record.*member); }, key.member);
 }
 
+std::string blanks(std::size_t width, std::string_view text) {
+    return std::string(width - std::min(width, text.size()), ' ');
+}
+
 template <typename Record>
-void writeKeyLine(std::ostream& out, const Record& record, const Key<Record>& key) {
-    out << "\t" << std::left << std::setw(kKeyColumn) << key.name << "= " << std::right << std::setw(kValueColumn)
-        << toText(record, key) << key.comment << "\n";
+std::string keyLine(const Record& record, const Key<Record>& key) {
+    const std::string value = toText(record, key);
+    return std::string("\t") + key.name + blanks(kKeyColumn, key.name) + "= " + blanks(kValueColumn, value) + value +
+           key.comment + "\n";
 }
 
 }  // namespace
@@ -120,10 +125,9 @@ Settings::Settings() {
 // What the user has got wrong, each with what holds instead and what to do. The lines for missing keys are the
 // reader's.
 void Settings::tellMistakes(const std::string& path) const {
-    std::ifstream file(path, std::ios::binary);
-    if (!file.is_open()) return;
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    for (const SettingsFinding& finding : checkSettings(bytes, keys()).findings) {
+    const FileText file(path, FileText::Mode::binary);
+    if (!file.isOpen()) return;
+    for (const SettingsFinding& finding : checkSettings(file.text(), keys()).findings) {
         using enum SettingsProblem;
         if (finding.problem == missingKey) continue;
         const std::string text =
@@ -140,11 +144,11 @@ int Settings::readSettingsFile(const std::string& path) {
     if (!file.isOpen()) return -1;
     try {
         for (const auto& key : kProgramKeys) {
-            const std::string text = readParameter(file, kProgramSection, key.name);
+            const std::string_view text = readParameter(file, kProgramSection, key.name);
             std::visit([&](auto member) { assign(this->*member, text); }, key.member);
         }
         for (const auto& key : kLoggingKeys) {
-            const std::string text = readParameter(file, mLogPars.mSectionName.c_str(), key.name);
+            const std::string_view text = readParameter(file, mLogPars.mSectionName, key.name);
             std::visit([&](auto member) { assign(mLogPars.*member, text); }, key.member);
         }
         tellMistakes(path);
@@ -154,10 +158,10 @@ int Settings::readSettingsFile(const std::string& path) {
     return 0;
 }
 
-std::string Settings::readParameter(Cnfg& file, const char* section, const char* key) const {
-    std::string value;
+std::string_view Settings::readParameter(Cnfg& file, std::string_view section, std::string_view key) const {
+    std::string_view value;
     const std::int32_t status = file.readParameter(section, key, value);
-    if (status == Cnfg::kReadFailed) throw std::ios_base::failure(file.errorText());
+    if (status == Cnfg::kReadFailed) throw std::runtime_error(file.errorText());
     if (status != Cnfg::kOk) OB_LOG(LogLevel::ERR) << file.errorText();
     return value;
 }
@@ -165,7 +169,7 @@ std::string Settings::readParameter(Cnfg& file, const char* section, const char*
 void Settings::writeSettingsFile(const std::string& path) const {
     OB_LOG(LogLevel::TRC) << "Writing new default settings file ...";
     NewFile file(path);
-    file.stream() << fileText();
+    file.write(fileText());
     if (file.publish()) {
         OB_LOG(LogLevel::ERR) << "Writing default settings file '" << path << "' failed!";
         return;
@@ -174,23 +178,20 @@ void Settings::writeSettingsFile(const std::string& path) const {
 }
 
 std::string Settings::fileText() const {
-    std::ostringstream out;
-    out.exceptions(std::ios::badbit);  // a stream that is out of memory would go on without its text
-    out << "# Configuration file for Orbikon's Creo Plug-in\n\n[" << kProgramSection << "]\n";
-    for (const auto& key : kProgramKeys) writeKeyLine(out, *this, key);
-    out << "\n[" << mLogPars.mSectionName << "]\n";
-    for (const auto& key : kLoggingKeys) writeKeyLine(out, mLogPars, key);
-    return out.str();
+    std::string text = std::string("# Configuration file for Orbikon's Creo Plug-in\n\n[") + kProgramSection + "]\n";
+    for (const auto& key : kProgramKeys) text += keyLine(*this, key);
+    text += "\n[" + mLogPars.mSectionName + "]\n";
+    for (const auto& key : kLoggingKeys) text += keyLine(mLogPars, key);
+    return text;
 }
 
 std::string Settings::dump() const {
-    std::ostringstream out;
-    for (const auto& key : kProgramKeys) out << key.dumpLabel << toText(*this, key) << "\n";
-    out << "                  mLogPars:\n"
-        << "    mSectionName: " << mLogPars.mSectionName << "\n"
-        << "mSettingsDirPath: " << mLogPars.mSettingsDirPath << "\n";
-    for (const auto& key : kLoggingKeys) out << key.dumpLabel << toText(mLogPars, key) << "\n";
-    return out.str();
+    std::string text;
+    for (const auto& key : kProgramKeys) text += key.dumpLabel + toText(*this, key) + "\n";
+    text += "                  mLogPars:\n    mSectionName: " + mLogPars.mSectionName +
+            "\nmSettingsDirPath: " + mLogPars.mSettingsDirPath + "\n";
+    for (const auto& key : kLoggingKeys) text += key.dumpLabel + toText(mLogPars, key) + "\n";
+    return text;
 }
 
 Settings::Settings(DefaultsOnly) {}

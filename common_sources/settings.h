@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/settings_check.h"
@@ -61,7 +62,7 @@ class Settings {
     LoggingParameters mLogPars;
 
   private:
-    std::string readParameter(Cnfg& file, const char* section, const char* key) const;
+    std::string_view readParameter(Cnfg& file, std::string_view section, std::string_view key) const;
     void tellMistakes(const std::string& path) const;
     std::string dump() const;
 

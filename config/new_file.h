@@ -1,8 +1,8 @@
 #pragma once
 
-#include <fstream>
 #include <optional>
 #include <string>
+#include <string_view>
 
 // Whether something stands under that name: a file that can be opened or not, a folder.
 bool isNameTaken(const std::string& path);
@@ -17,16 +17,19 @@ class NewFile {
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
 
-    std::ostream& stream() { return mStream; }
+    // Adds text, whose lines end as those of a text file of the system. A failure shows in publish().
+    void write(std::string_view text);
 
     // Gives the file its final name. Called once. Result: empty when it is there, otherwise the reason, as
     // "cannot be written: <path>".
     std::optional<std::string> publish();
 
   private:
+    void close();
     NewFile(const std::string& finalPath, std::string temporaryPath);
 
     std::string mFinalPath;
     std::string mTemporaryPath;
-    std::ofstream mStream;
+    int mDescriptor = -1;  // negative once it is closed, or could not be opened
+    bool mIsGood = false;
 };

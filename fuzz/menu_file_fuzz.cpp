@@ -10,6 +10,7 @@
 #include "config/cnfg.h"
 #include "fuzz/check.h"
 #include "fuzz/texts.h"
+#include "tests/unit/plain_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string path = "/tmp/orbikon_menu_file_fuzz." + std::to_string(getpid());
@@ -27,14 +28,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Cnfg file(path);
     const MenuFileContent content = readMenuFileContent(file);
     std::remove(path.c_str());
+    const auto commands = plain::textsOf(content.commands);
 
     std::vector<std::string> expected = {"OB_Toggle_Scroll_Mode", "OB_Toggle_Object_Move_Mode", before.command};
     if (!unreadableReason(any)) {
-        check(content.commands.size() == 5);
-        expected.push_back(content.commands[3].starts_with("ProCmdEnvMdlDisp*") ? content.commands[3] : any.command);
+        check(commands.size() == 5);
+        expected.push_back(commands[3].starts_with("ProCmdEnvMdlDisp*") ? commands[3] : any.command);
     }
     expected.push_back(behind.command);
-    check(content.commands == expected);
+    check(commands == expected);
     check(content.modeNames.size() == 23);
     return 0;
 }

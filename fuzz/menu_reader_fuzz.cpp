@@ -11,7 +11,7 @@
 #include "common_sources/mnu/mnu_reader.h"
 #include "config/cnfg.h"
 #include "fuzz/check.h"
-#include "fuzz/plain_reader.h"
+#include "tests/unit/plain_reader.h"
 
 namespace {
 
@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (const auto command = plainCommand(value); !command.empty()) commands.push_back(command);
     }
     check(content.modeNames == modes);
-    check(content.commands == commands);
+    check(plain::textsOf(content.commands) == commands);
     if (text.find('\r') != std::string::npos) return 0;  // a line of one alone counts on Windows only
     const MenuFileFacts facts = menuFileFacts(text);
     check(facts.modes == modes.size() && facts.commands == commands.size());

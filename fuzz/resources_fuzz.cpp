@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(content.modeNames.size() == 23);
     check(content.commands.size() >= 2);  // the plug-in's own
     for (std::size_t i = 2; i < content.commands.size(); ++i) {
-        const std::string command = content.commands[i].substr(0, content.commands[i].find('*'));
+        const std::string command(content.commands[i].substr(0, content.commands[i].find('*')));
         check(std::ranges::any_of(panes, [&](const std::string& pane) { return pane.find(command) != pane.npos; }));
     }
     return 0;

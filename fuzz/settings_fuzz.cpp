@@ -13,7 +13,7 @@
 #include <string>
 
 #include "fuzz/check.h"
-#include "fuzz/plain_reader.h"
+#include "tests/unit/plain_reader.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # Installs what is needed on a Debian 12 machine. Does nothing, and asks apt nothing, when all of it is there. Run by
-# ./run, ./test and packaging/package.sh; works as root or through sudo.
+# ./run, ./test, ./bench and packaging/package.sh; works as root or through sudo.
 #
-#   scripts/setup.sh NEED...     suites of ./test, "run", "run-x64" or "packaging"
+#   scripts/setup.sh NEED...     suites of ./test, "run", "run-x64", "bench" or "packaging"
 set -euo pipefail
 exec 5>&-  # the lock of the run that has started this: no service that apt starts may keep it
 
 lock_timeout=300  # seconds to wait for another installation on this machine
 
-native_build=(cmake ninja-build g++ googletest libbenchmark-dev nlohmann-json3-dev)
+native_build=(cmake ninja-build g++ googletest nlohmann-json3-dev)
 windows_build=(cmake ninja-build g++-mingw-w64-i686-posix googletest nlohmann-json3-dev)
 x64_build=(g++-mingw-w64-x86-64-posix)
 display=(xvfb fonts-wine)
@@ -18,6 +18,7 @@ packages_for() {  # packages_for NEED
     case $1 in
         lint) echo "${native_build[@]}" clang-format clang-tidy ;;
         linux) echo "${native_build[@]}" ;;
+        bench) echo "${native_build[@]}" pkg-config libspdlog-dev libinih-dev libhyperscan-dev ;;  # what it compares with
         linux-asan | linux-tsan) echo "${native_build[@]}" ;;
         linux-fuzz) echo "${native_build[@]}" clang libclang-rt-14-dev ;;
         windows-x86 | run) echo "${windows_build[@]}" "${display[@]}" "${wine_packages[@]}" ;;

@@ -1,5 +1,8 @@
 #include "OB_Daemon/src/logging.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -9,7 +12,6 @@
 #include <cstring>
 #include <ctime>
 #include <exception>
-#include <iostream>
 #include <iterator>
 #include <vector>
 
@@ -43,38 +45,60 @@ constexpr std::array<Level, 9> kLevels{{
     {"TMP", &LoggingParameters::mIsTmp},
 }};
 
-std::string_view fileNameOf(std::string_view path, std::string_view separators) {
-    const auto cut = path.find_last_of(separators);
-    return cut == std::string_view::npos ? path : path.substr(cut + 1);
+// Appends the parts, one behind the other, left- or right-aligned in a column. What is too long keeps its end, with a
+// star in front.
+template <std::size_t N>
+void appendColumn(LogPrefix& prefix, const std::string_view (&parts)[N], std::size_t width, bool isLeft) {
+    std::size_t size = 0;
+    for (const auto part : parts) size += part.size();
+    const std::size_t blanks = width - std::min(width, size);
+    if (!isLeft) prefix.append(blanks, ' ');
+    std::size_t skipped = size > width ? size - (width - 1) : 0;
+    if (skipped != 0) prefix.append(1, '*');
+    for (auto part : parts) {
+        const std::size_t cut = std::min(skipped, part.size());
+        prefix.append(part.substr(cut));
+        skipped -= cut;
+    }
+    if (isLeft) prefix.append(blanks, ' ');
 }
 
-// What is too long for its column keeps its end, with a star in front.
-std::string cutToColumn(std::string_view text, std::size_t width) {
-    if (text.size() <= width) return std::string(text);
-    return "*" + std::string(text.substr(text.size() - (width - 1)));
+template <std::size_t N>
+LogPrefix prefixOf(const LogSource& source, int line, const std::string_view (&names)[N]) {
+    char digits[16];
+    const std::string_view number(digits, std::to_chars(digits, std::end(digits), line).ptr);
+    LogPrefix prefix;
+    appendColumn(prefix, {source.columnName()}, kFileColumn, false);
+    prefix.append("| ");
+    prefix.append(kLineColumn - std::min(kLineColumn, number.size()), ' ');
+    prefix.append(number);
+    prefix.append("| ");
+    appendColumn(prefix, names, kMethodColumn, true);
+    return prefix;
 }
 
-std::string utcTime() {
+// By hand: a statement's head is most of what it costs beside the writing itself.
+template <std::size_t Digits>
+void appendDigits(std::string& text, std::uint64_t number, char behind) {
+    char digits[Digits + 1];
+    for (std::size_t i = Digits; i-- > 0; number /= 10) digits[i] = static_cast<char>('0' + number % 10);
+    digits[Digits] = behind;
+    text.append(digits, Digits + 1);
+}
+
+void appendUtcTime(std::string& text) {
     using namespace std::chrono;
     const auto sinceMidnight = system_clock::now().time_since_epoch() % days(1);
-    const hh_mm_ss time(duration_cast<milliseconds>(sinceMidnight));
-    char text[16];
-    std::snprintf(text, sizeof text, "%02u:%02u:%02u.%03u", static_cast<unsigned>(time.hours().count()) % 24u,
-                  static_cast<unsigned>(time.minutes().count()) % 60u,
-                  static_cast<unsigned>(time.seconds().count()) % 60u,
-                  static_cast<unsigned>(time.subseconds().count()) % 1000u);
-    return text;
+    const auto time = static_cast<std::uint64_t>(duration_cast<milliseconds>(sinceMidnight).count());
+    appendDigits<2>(text, time / 3'600'000, ':');
+    appendDigits<2>(text, time / 60'000 % 60, ':');
+    appendDigits<2>(text, time / 1000 % 60, '.');
+    appendDigits<3>(text, time % 1000, '|');
 }
 
-std::string blanks(std::size_t width, std::string_view text) {
-    return std::string(width - std::min(width, text.size()), ' ');
-}
-
-// Heads are put together as strings: a stream that is out of memory would go on with half of one.
-std::string lineHead(int level, std::string_view prefix) {
-    const std::string thread = std::to_string(currentThreadId());
-    return utcTime() + "|" + kLevels[static_cast<std::size_t>(level)].tag + "|" + blanks(kThreadColumn, thread) +
-           thread + "|" + std::string(prefix) + "| ";
+void tellOnConsole(std::string_view lines) {
+    std::fwrite(lines.data(), 1, lines.size(), stdout);
+    std::fflush(stdout);
 }
 
 // True when a remove or rename failed for another reason than a file that is not there.
@@ -85,16 +109,69 @@ bool failedSeriously(int status) { return status != 0 && errno != ENOENT; }
 std::atomic<std::uint32_t> gLoggerAlive{0};
 Logging gLogging;
 
-struct Logging::Outer {
-    std::unique_ptr<std::ostringstream> buffer;
-    Origin origin;
-    std::unique_ptr<Outer> next;
+// All statements share one text, so that the memory of the last serves the next. A nested one stands behind the one
+// that it interrupts, and is gone again before that goes on.
+struct Logging::Building {
+    struct Statement {
+        std::size_t begin;  // in the text
+        int level;
+        std::string_view file;
+        bool isNested;       // in another one, or in what else has taken the lock
+        bool isCut = false;  // memory was short; nothing is added any more
+    };
+    std::string text;
+    std::vector<Statement> statements;  // the innermost last
+};
+
+// The log file, opened for appending. What cannot be written is lost.
+struct Logging::File {
+    explicit File(const std::string& path) : descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666)) {
+        if (isOpen()) size = lseek64(descriptor, 0, SEEK_END);
+    }
+    ~File() {
+        if (isOpen()) close(descriptor);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    bool isOpen() const { return descriptor >= 0; }
+
+    void write(std::string_view lines) {
+        unasked += static_cast<std::int64_t>(lines.size());
+        size += static_cast<std::int64_t>(lines.size());
+        if (kPathSeparator == '\\') size += std::ranges::count(lines, '\n');  // Windows' line ends
+        while (isOpen() && !lines.empty()) {
+            const auto written = ::write(descriptor, lines.data(), static_cast<unsigned>(lines.size()));
+            if (written <= 0) {
+                unasked = kAskAfter;
+                return;
+            }
+            lines.remove_prefix(static_cast<std::size_t>(written));
+        }
+    }
+
+    // Counted, because to ask the system costs as much as half a line; asked every now and then, because another
+    // process may write to the same file.
+    std::int64_t currentSize() {
+        if (isOpen() && unasked >= kAskAfter) {
+            size = lseek64(descriptor, 0, SEEK_END);
+            unasked = 0;
+        }
+        return size;
+    }
+
+    static constexpr std::int64_t kAskAfter = 4096;  // bytes written
+
+    int descriptor;
+    std::int64_t size = -1;
+    std::int64_t unasked = 0;  // bytes written since it was asked
 };
 
 struct Logging::Collection {
     struct Statement {
-        Origin origin;
-        std::string text;
+        int level;
+        std::string file;
+        std::string lines;
     };
     std::vector<Statement> statements;
     std::size_t dropped = 0;
@@ -103,7 +180,7 @@ struct Logging::Collection {
 Logging::Logging() {
     OB_LOG(LogLevel::CRT) << "Logging::Logging() constructing ...";
     mParameters.mLogFile = "c:\\def_log.txt";
-    mBuffer = std::make_unique<std::ostringstream>();
+    mBuilding = std::make_unique<Building>();
     gLoggerAlive = kLogEnd;
     OB_LOG(LogLevel::CRT) << "Constructed.";
 }
@@ -118,14 +195,14 @@ Logging::~Logging() {
     OB_LOG(LogLevel::CRT) << "Logging::~Logging(): destructing ...";
     gLoggerAlive = 0;
     mFile.reset();
-    mBuffer.reset();
+    mBuilding.reset();
     OB_LOG(LogLevel::CRT) << "Logging::~Logging(): destructed.";
 }
 
 void Logging::leaveToProcessEnd() {
     gLoggerAlive = 0;
-    static std::array<const void*, 5> left;  // known to leak checkers
-    left = {mMutex.release(), mFile.release(), mBuffer.release(), mOuter.release(), mCollection.release()};
+    static std::array<const void*, 4> left;  // known to leak checkers
+    left = {mMutex.release(), mFile.release(), mBuilding.release(), mCollection.release()};
 }
 
 void Logging::init(const LoggingParameters& parameters) {
@@ -149,6 +226,7 @@ void Logging::startCollecting() {
     try {
         mCollection = std::make_unique<Collection>();
         mEnabledLevels = (1u << kLevels.size()) - 1;
+        mWantedFile = kAnyFile;
     } catch (const std::exception&) {  // out of memory: they are not kept
     }
     mMutex->unlock();
@@ -176,11 +254,13 @@ void Logging::switchLevels() {
         if (isOn == nullptr || mParameters.*isOn) levels |= 1u << level;
     }
     mEnabledLevels = levels;
+    mWantedFile = mParameters.mExclFileToLog.empty() ? kAnyFile : LogSource::hashOf(mParameters.mExclFileToLog);
 }
 
-void Logging::collect(std::string text) {
+void Logging::collect() {
     if (mCollection->statements.size() < kMaxCollected) {
-        mCollection->statements.push_back({std::move(mOrigin), std::move(text)});
+        const auto& statement = mBuilding->statements.back();
+        mCollection->statements.push_back({statement.level, std::string(statement.file), std::string(statementText())});
     } else {
         ++mCollection->dropped;
     }
@@ -188,8 +268,10 @@ void Logging::collect(std::string text) {
 
 void Logging::writeCollected(std::unique_ptr<Collection> collection) {
     if (!collection) return;
-    for (const auto& [origin, text] : collection->statements) {
-        if (isEnabled(origin.level) && passesFileFilter(origin.sourceFile)) writeLine(text);
+    for (const auto& [level, file, lines] : collection->statements) {
+        if (!isEnabled(level) || !passesFileFilter(file)) continue;
+        rotateWhenFull();
+        write(lines);
     }
     if (collection->dropped != 0) {
         OB_LOG(LogLevel::WRN) << collection->dropped << " further lines from before the log was open were dropped.";
@@ -217,7 +299,7 @@ void Logging::openLogFile() {
         isBareName ? mParameters.mSettingsDirPath + kPathSeparator + mParameters.mLogFile : mParameters.mLogFile;
     try {
         makeDirectories(mLogFilePath.substr(0, mLogFilePath.rfind(kPathSeparator)));
-        mFile = std::make_unique<std::ofstream>(mLogFilePath, std::ios::app);
+        mFile = std::make_unique<File>(mLogFilePath);
         tellUnopened();
     } catch (const std::exception&) {
         OB_LOG(LogLevel::ERR) << "Opening log file '" << mParameters.mLogFile << "failed!";
@@ -230,7 +312,7 @@ void Logging::openLogFile() {
 // The log cannot say that there is none; once for a file.
 void Logging::tellUnopened() {
     const std::string reason = std::strerror(errno);
-    if (mFile->is_open()) {
+    if (mFile->isOpen()) {
         mUnopenedPath.clear();
     } else if (mUnopenedPath != mLogFilePath) {
         mUnopenedPath = mLogFilePath;
@@ -246,53 +328,69 @@ void Logging::writeHeader() {
                                "    Time    |Typ|  TID |      File      | Line|        Class And Method         | "
                                "LogText\n"
                                "------------+---+------+----------------+-----+---------------------------------+"
-                               "---------";
-    if (mFile && mParameters.mIsLogToFile) *mFile << header << std::endl;
-    if (mParameters.mIsLogToCnsl) std::cout << header << std::endl;
+                               "---------\n";
+    write(header);
 }
 
-bool Logging::beginStatement(int level, std::string_view sourceFile, std::string_view prefix) {
-    if (!isEnabled(level)) return false;
+bool Logging::beginStatement(int level, const LogSource& source, std::string_view prefix) {
+    if (!isEnabled(level) || !mayPassFileFilter(source)) return false;
     const bool isNested = isOwner();
     if (!isNested && mMutex->lock() != 0) return false;
-    std::string head;
-    bool isAccepted = false;
+    auto& [text, statements] = *mBuilding;
+    const std::size_t depth = statements.size();
     try {
-        if (passesFileFilter(sourceFile)) {
-            head = lineHead(level, prefix);
-            Origin origin;
-            if (mCollection) origin = {level, std::string(sourceFile)};
-            if (isNested) interruptStatement();
-            mOrigin = std::move(origin);
-            isAccepted = true;
+        if (passesFileFilter(source.name())) {
+            statements.push_back({text.size(), level, source.name(), isNested});
+            writeHead(level, prefix);
+            mOwner = currentThreadId();
+            return true;
         }
-    } catch (const std::exception&) {  // out of memory: no line
+    } catch (const std::exception&) {  // out of memory: no line without all of its columns
+        if (statements.size() > depth) {
+            text.resize(statements.back().begin);
+            statements.pop_back();
+        }
     }
-    if (isAccepted) {
-        mOwner = currentThreadId();
-        append(head);
-        if (mBuffer->good()) return true;
-        abandonStatement();  // out of memory: no line without all of its columns
-    } else if (!isNested) {
-        mMutex->unlock();
-    }
+    if (!isNested) mMutex->unlock();
     return false;
 }
 
-bool Logging::passesFileFilter(std::string_view sourceFile) const {
+bool Logging::passesFileFilter(std::string_view fileName) const {
     const auto& filter = mParameters.mExclFileToLog;
-    if (filter.empty() || mCollection) return true;
-    return filter == fileNameOf(sourceFile, sourceFile.find('/') != std::string_view::npos ? "/" : "\\");
+    return filter.empty() || mCollection || filter == fileName;
 }
 
-void Logging::interruptStatement() {
-    auto outer = std::make_unique<Outer>();
-    auto fresh = std::make_unique<std::ostringstream>();
-    outer->buffer = std::move(mBuffer);
-    outer->origin = std::move(mOrigin);
-    outer->next = std::move(mOuter);
-    mOuter = std::move(outer);
-    mBuffer = std::move(fresh);
+void Logging::writeHead(int level, std::string_view prefix) {
+    std::string& text = mBuilding->text;
+    const std::size_t begin = text.size();
+    appendUtcTime(text);
+    text.append(kLevels[static_cast<std::size_t>(level)].tag) += '|';
+    char digits[16];
+    const std::string_view thread(digits, std::to_chars(digits, std::end(digits), currentThreadId()).ptr);
+    text.append(kThreadColumn - std::min(kThreadColumn, thread.size()), ' ').append(thread) += '|';
+    text.append(prefix).append("| ");
+    if (!mIsHexDump) return;
+    // The dump that was asked for is that of the next text, whichever it is.
+    const std::string head = text.substr(begin);
+    text.resize(begin);
+    mIsHexDump = false;
+    writeHexDump(head);
+}
+
+std::string_view Logging::statementText() const {
+    return std::string_view(mBuilding->text).substr(mBuilding->statements.back().begin);
+}
+
+// A statement that is out of memory is cut there.
+template <typename Text>
+void Logging::add(const Text& text) {
+    bool& isCut = mBuilding->statements.back().isCut;
+    if (isCut) return;
+    try {
+        mBuilding->text += text;
+    } catch (const std::exception&) {
+        isCut = true;
+    }
 }
 
 void Logging::append(std::string_view text) {
@@ -301,7 +399,7 @@ void Logging::append(std::string_view text) {
         writeHexDump(text);
         mIsHexDump = false;
     } else {
-        mBuffer->write(text.data(), static_cast<std::streamsize>(text.size()));
+        add(text);
     }
 }
 
@@ -312,49 +410,62 @@ void Logging::append(std::int64_t number) {
     } else if (number == kLogHexDump) {
         mIsHexDump = true;
     } else {
-        writeNumber(number);
+        addNumber(number);
     }
 }
 
 void Logging::append(std::uint64_t number) {
-    if (isOwner()) writeNumber(number);
+    if (isOwner()) addNumber(number);
 }
 
-// Not by the stream's own output, which follows the locale.
-template <typename Number>
-void Logging::writeNumber(Number number) {
+void Logging::append(double number) {
+    if (!isOwner()) return;
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%g", number);
+    std::ranges::replace(digits, ',', '.');  // whatever the host has made of the C library's locale
+    add(digits);
+}
+
+void Logging::append(char character) {
+    if (isOwner()) add(character);
+}
+
+void Logging::appendPointer(const void* pointer) {
+    if (!isOwner()) return;
+    if (pointer != nullptr) add("0x");
+    addNumber(reinterpret_cast<std::uintptr_t>(pointer), 16);
+}
+
+template <typename... Format>
+void Logging::addNumber(Format... format) {
     char digits[24];
-    *mBuffer << std::string_view(digits, std::to_chars(digits, std::end(digits), number).ptr);
+    add(std::string_view(digits, std::to_chars(digits, std::end(digits), format...).ptr));
 }
-
-std::ostream* Logging::statementStream() { return isOwner() ? mBuffer.get() : nullptr; }
 
 void Logging::writeHexDump(std::string_view text) {
-    *mBuffer << "\n       0  1  2  3  4  5  6  7  8  9";
+    add("\n       0  1  2  3  4  5  6  7  8  9");
     char cell[16];
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (i % kBytesPerHexLine == 0) {
             std::snprintf(cell, sizeof cell, "\n%4u: ", static_cast<unsigned>(i));
-            *mBuffer << cell;
+            add(cell);
         }
         // As a signed character, so that 0x80 and above come out sign-extended.
         std::snprintf(cell, sizeof cell, "%x ", static_cast<unsigned>(static_cast<signed char>(text[i])));
-        *mBuffer << cell;
+        add(cell);
     }
 }
 
 void Logging::endStatement() {
     try {
-        std::string text = mBuffer->str();
-        mBuffer = std::make_unique<std::ostringstream>();
+        mBuilding->text += '\n';
         if (mCollection) {
-            collect(std::move(text));
+            collect();
         } else {
-            writeLine(text);
+            rotateWhenFull();
+            write(statementText());
         }
     } catch (const std::exception&) {  // out of memory: the line is lost, the lock is not
-        mBuffer->str({});
-        mBuffer->clear();
     }
     releaseStatement();
 }
@@ -362,32 +473,31 @@ void Logging::endStatement() {
 void Logging::abandonStatement() {
     if (!isOwner()) return;
     mIsHexDump = false;
-    mBuffer->str({});
-    mBuffer->clear();
     releaseStatement();
 }
 
 void Logging::releaseStatement() {
-    if (mOuter) {
-        mBuffer = std::move(mOuter->buffer);
-        mOrigin = std::move(mOuter->origin);
-        mOuter = std::move(mOuter->next);
-        return;
-    }
+    constexpr std::size_t kKeptSize = 65536;
+    auto& [text, statements] = *mBuilding;
+    const bool isNested = statements.back().isNested;
+    text.resize(statements.back().begin);
+    statements.pop_back();
+    if (isNested) return;
+    if (text.capacity() > kKeptSize) std::string().swap(text);
     mOwner = 0;
     mMutex->unlock();
 }
 
 bool Logging::isOwner() const { return mOwner.load(std::memory_order_relaxed) == currentThreadId(); }
 
-void Logging::writeLine(const std::string& text) {
-    if (mFile) {
-        mFile->clear();
-        const std::int64_t position = std::streamoff(mFile->tellp());
-        if (position >= std::int64_t{mParameters.mMaxSize} * kBytesPerKb) backupLogFile();
-    }
-    if (mFile && mParameters.mIsLogToFile) *mFile << text << std::endl;
-    if (mParameters.mIsLogToCnsl) std::cout << text << std::endl;
+// Each line by itself and at once: what the log holds when the process dies tells why.
+void Logging::write(std::string_view lines) {
+    if (mFile && mParameters.mIsLogToFile) mFile->write(lines);
+    if (mParameters.mIsLogToCnsl) tellOnConsole(lines);
+}
+
+void Logging::rotateWhenFull() {
+    if (mFile && mFile->currentSize() >= std::int64_t{mParameters.mMaxSize} * kBytesPerKb) backupLogFile();
 }
 
 void Logging::backupLogFile() {
@@ -398,11 +508,11 @@ void Logging::backupLogFile() {
         return;
     }
     if (failedSeriously(std::rename(mLogFilePath.c_str(), backup.c_str()))) {
-        std::cout << "File '" << mLogFilePath << "' couldn't be renamed to '" << backup << "'!" << std::endl;
+        tellOnConsole("File '" + mLogFilePath + "' couldn't be renamed to '" + backup + "'!\n");
         return;
     }
-    auto file = std::make_unique<std::ofstream>(mLogFilePath, std::ios::app);
-    if (!file->good()) {
+    auto file = std::make_unique<File>(mLogFilePath);
+    if (!file->isOpen()) {
         OB_LOG(LogLevel::ERR) << "Opening of stream of'" << mLogFilePath << "' failed!\n";
         return;
     }
@@ -426,24 +536,27 @@ std::string logDate(std::time_t time) {
     return text;
 }
 
-std::string makeLogPrefix(std::string_view sourceFile, int line, std::string_view className, std::string_view method) {
-    const std::string file = cutToColumn(fileNameOf(sourceFile, "\\"), kFileColumn);
-    const std::string name = cutToColumn(std::string(className) + "::" + std::string(method), kMethodColumn);
-    const std::string number = std::to_string(line);
-    return blanks(kFileColumn, file) + file + "| " + blanks(kLineColumn, number) + number + "| " + name +
-           blanks(kMethodColumn, name);
+void LogPrefix::append(std::size_t count, char c) {
+    count = std::min(count, sizeof mText - mSize);
+    std::memset(mText + mSize, c, count);
+    mSize += count;
 }
 
-LogStatement::LogStatement(LogLevel level, const char* sourceFile, int line, const char* className,
-                           const char* function)
-    : mIsOpen(false), mExceptions(std::uncaught_exceptions()) {
-    try {
-        const std::string method = std::string(className) + "::" + function;
-        mIsOpen = gLogging.beginStatement(static_cast<int>(level), sourceFile,
-                                          makeLogPrefix(sourceFile, line, className, method));
-    } catch (const std::exception&) {  // out of memory: no line
-    }
+void LogPrefix::append(std::string_view text) {
+    text = text.substr(0, sizeof mText - mSize);
+    std::memcpy(mText + mSize, text.data(), text.size());
+    mSize += text.size();
 }
+
+LogPrefix makeLogPrefix(const LogSource& source, int line, std::string_view className, std::string_view method) {
+    return prefixOf(source, line, {className, "::", method});
+}
+
+LogStatement::LogStatement(LogLevel level, const LogSource& source, int line, const char* className,
+                           const char* function)
+    : mIsOpen(gLogging.beginStatement(static_cast<int>(level), source,
+                                      prefixOf(source, line, {className, "::", className, "::", function}))),
+      mExceptions(std::uncaught_exceptions()) {}
 
 LogStatement::~LogStatement() {
     if (!mIsOpen) return;

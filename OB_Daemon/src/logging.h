@@ -14,9 +14,7 @@
 #include <atomic>
 #include <cstdint>
 #include <ctime>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -50,6 +48,50 @@ struct LoggingParameters {
     std::string mExclFileToLog;  // when not empty, only statements of the source file with this name are logged
 };
 
+// The source file that a statement stands in. Worked out when the program is compiled, so that a statement costs
+// nothing for it. The path is text that lasts.
+class LogSource {
+  public:
+    // NOLINTNEXTLINE(google-explicit-constructor): written as the path alone
+    constexpr LogSource(const char* path)
+        : mName(behindLast(path, std::string_view(path).find('/') != std::string_view::npos ? '/' : '\\')),
+          mColumnName(behindLast(path, '\\')),
+          mNameHash(hashOf(mName)) {}
+    static consteval LogSource compiled(const char* path) { return path; }
+
+    constexpr std::string_view name() const { return mName; }              // that the file filter compares
+    constexpr std::string_view columnName() const { return mColumnName; }  // that the log's column shows
+    constexpr std::uint32_t nameHash() const { return mNameHash; }
+
+    // Never 0.
+    static constexpr std::uint32_t hashOf(std::string_view name) {
+        std::uint32_t hash = 2166136261u;  // FNV-1a
+        for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+        return hash != 0 ? hash : 1;
+    }
+
+  private:
+    static constexpr std::string_view behindLast(std::string_view path, char separator) {
+        return path.substr(path.rfind(separator) + 1);  // all of it when there is none
+    }
+
+    std::string_view mName, mColumnName;
+    std::uint32_t mNameHash;
+};
+
+// The columns source file, line, class and method: a text that needs no memory but its own.
+class LogPrefix {
+  public:
+    // NOLINTNEXTLINE(google-explicit-constructor): it is a text
+    operator std::string_view() const { return {mText, mSize}; }
+    void append(std::size_t count, char c);
+    void append(std::string_view text);
+
+  private:
+    char mText[72];  // 16 + 2 + a number + 2 + 32
+    std::size_t mSize = 0;
+};
+
 // Any thread may call any member, except construction and destruction. Nothing throws, also not for lack of memory: the
 // line that it concerns is lost or cut then.
 class Logging {
@@ -76,17 +118,24 @@ class Logging {
     bool isEnabled(int level) const {
         return level >= 0 && level < 32 && (mEnabledLevels.load(std::memory_order_relaxed) >> level & 1u) != 0;
     }
+    // The same for its source file, so that what is filtered out costs neither prefix nor lock. False is certain.
+    bool mayPassFileFilter(const LogSource& source) const {
+        const std::uint32_t wanted = mWantedFile.load(std::memory_order_relaxed);
+        return wanted == kAnyFile || wanted == source.nameHash();
+    }
 
     // Begins a statement: answers true when it is to be written, and has then taken the statement lock and written
     // the line head. The calling thread ends it by append(kLogEnd) or gives it up by abandonStatement(). A thread may
     // begin a statement inside one of its own; the inner one becomes a line of its own.
-    bool beginStatement(int level, std::string_view sourceFile, std::string_view prefix);
+    bool beginStatement(int level, const LogSource& source, std::string_view prefix);
 
     // Appends to the statement that the calling thread has begun. Ignored when it has begun none.
     void append(std::string_view text);
     void append(std::int64_t number);
     void append(std::uint64_t number);  // one that std::int64_t does not hold
-    std::ostream* statementStream();    // for all other types; null when the thread has begun no statement
+    void append(double number);         // with six digits, as "0.5" or "1e+06"
+    void append(char character);
+    void appendPointer(const void* pointer);  // as "0x1f"; 0 when it is null
 
     // Gives the statement up: nothing is written, the lock is released.
     void abandonStatement();
@@ -102,43 +151,43 @@ class Logging {
     void switchLevels();
     void openLogFile();
     void tellUnopened();
-    void collect(std::string text);
+    void collect();
     struct Collection;  // statements before the parameters are known
     void writeCollected(std::unique_ptr<Collection> collection);
     void writeHeader();
-    void writeLine(const std::string& text);
+    void write(std::string_view lines);
+    void rotateWhenFull();
     void endStatement();
     void releaseStatement();
     bool isOwner() const;
-    bool passesFileFilter(std::string_view sourceFile) const;
-    void interruptStatement();
+    bool passesFileFilter(std::string_view fileName) const;
+    void writeHead(int level, std::string_view prefix);
     void writeHexDump(std::string_view text);
-    template <typename Number>
-    void writeNumber(Number number);
+    std::string_view statementText() const;
+    template <typename Text>
+    void add(const Text& text);
+    template <typename... Format>
+    void addNumber(Format... format);
 
     LoggingParameters mParameters;
     std::string mLogFilePath;
-    std::unique_ptr<std::ostringstream> mBuffer;  // statement being built; guarded by mMutex, as all above
-    std::unique_ptr<std::ofstream> mFile;         // null while nothing is logged to a file
+    struct File;
+    std::unique_ptr<File> mFile;  // null while nothing is logged to a file; guarded by mMutex, as all above
+    struct Building;
+    std::unique_ptr<Building> mBuilding;                        // the statements being built
     std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();  // null after leaveToProcessEnd()
     bool mIsHexDump = false;
     std::string mUnopenedPath;  // of the last log file that could not be opened, empty after one that could
-
-    struct Origin {
-        int level = 0;
-        std::string sourceFile;
-    };
-    Origin mOrigin;                           // of the statement being built, told while they are collected only
     std::unique_ptr<Collection> mCollection;  // null unless they are collected
 
-    struct Outer;                                   // statement that a nested one interrupts
-    std::unique_ptr<Outer> mOuter;                  // null unless a nested statement is being built
-    std::atomic<std::uint32_t> mOwner{0};           // thread that holds mMutex, 0 = none
-    std::atomic<std::uint32_t> mEnabledLevels{1u};  // bit n = level n is on
+    static constexpr std::uint32_t kAnyFile = 0;
+    std::atomic<std::uint32_t> mWantedFile{kAnyFile};  // hash of the exclusively logged file's name
+    std::atomic<std::uint32_t> mOwner{0};              // thread that holds mMutex, 0 = none
+    std::atomic<std::uint32_t> mEnabledLevels{1u};     // bit n = level n is on
 };
 
 // Builds the columns source file, line, class and method. `method` holds the class name, "::" and the method's name.
-std::string makeLogPrefix(std::string_view sourceFile, int line, std::string_view className, std::string_view method);
+LogPrefix makeLogPrefix(const LogSource& source, int line, std::string_view className, std::string_view method);
 
 // The date in the log's header, as "Sat Nov 21 2026": of the local time zone, English whatever the locale is.
 std::string logDate(std::time_t time);
@@ -151,7 +200,7 @@ extern Logging gLogging;
 // given up and the lock released.
 class LogStatement {
   public:
-    LogStatement(LogLevel level, const char* sourceFile, int line, const char* className, const char* function);
+    LogStatement(LogLevel level, const LogSource& source, int line, const char* className, const char* function);
     ~LogStatement();
     LogStatement(const LogStatement&) = delete;
     LogStatement& operator=(const LogStatement&) = delete;
@@ -173,15 +222,19 @@ class LogStatement {
             gLogging.append(static_cast<std::int64_t>(value));
             // The end mark has ended this statement; what follows must not go into one around it.
             if (std::cmp_equal(value, kLogEnd)) mIsOpen = false;
-        } else if (std::ostream* out = gLogging.statementStream()) {
-            *out << value;
+        } else if constexpr (std::is_integral_v<T>) {
+            gLogging.append(static_cast<char>(value));
+        } else if constexpr (std::is_floating_point_v<T>) {
+            gLogging.append(static_cast<double>(value));
+        } else {
+            gLogging.appendPointer(value);
         }
         return *this;
     }
 
-    static bool isWanted(LogLevel level) {
+    static bool isWanted(LogLevel level, const LogSource& source) {
         return gLoggerAlive.load(std::memory_order_relaxed) == static_cast<std::uint32_t>(kLogEnd) &&
-               gLogging.isEnabled(static_cast<int>(level));
+               gLogging.isEnabled(static_cast<int>(level)) && gLogging.mayPassFileFilter(source);
     }
 
   private:
@@ -197,9 +250,9 @@ struct LogVoid {
 // NOLINTBEGIN(bugprone-macro-parentheses): the message follows the macro
 #define OB_LOG(level) OB_LOG_IN(level, __func__)
 // The same inside a lambda, whose own name would tell nothing: `method` is the method that the lambda belongs to.
-#define OB_LOG_IN(level, method) OB_LOG_AT(level, __FILE__, __LINE__, kLogClass, method)
+#define OB_LOG_IN(level, method) OB_LOG_AT(level, LogSource::compiled(__FILE__), __LINE__, kLogClass, method)
 // The same for another place than the statement's own.
-#define OB_LOG_AT(level, file, line, className, method)   \
-    !LogStatement::isWanted(level) ? static_cast<void>(0) \
-                                   : LogVoid{} & LogStatement(level, file, line, className, method).self()
+#define OB_LOG_AT(level, source, line, className, method)         \
+    !LogStatement::isWanted(level, source) ? static_cast<void>(0) \
+                                           : LogVoid{} & LogStatement(level, source, line, className, method).self()
 // NOLINTEND(bugprone-macro-parentheses)

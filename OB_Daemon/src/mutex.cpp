@@ -5,36 +5,34 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <iostream>
+#include <string>
 
 #include "OB_Daemon/src/thread_id.h"
 
 namespace {
 
-struct Errno {
-    int code = errno;  // of the failed call
-};
-
-std::ostream& operator<<(std::ostream& out, const Errno& error) {
-    return out << "errno = " << error.code << ", error: " << std::strerror(error.code) << std::endl;
+// Says what of the semaphore failed, and why.
+void tell(std::FILE* stream, const std::string& text) {
+    const int code = errno;  // of the failed call
+    std::fprintf(stream, "%serrno = %d, error: %s\n", text.c_str(), code, std::strerror(code));
+    std::fflush(stream);
 }
+
+std::string byThread() { return "by thread " + std::to_string(currentThreadId()); }
 
 }  // namespace
 
 Mutex::Mutex() {
     std::snprintf(mName, sizeof mName, "Logging_%ld", static_cast<long>(getpid()));
     if (sem_init(&mSemaphore, 0, 1) != 0) {
-        const Errno error;
-        std::cerr << "Mutex::Mutex(): **** Error initializing semaphore by thread " << currentThreadId() << "! **** "
-                  << error;
+        tell(stderr, "Mutex::Mutex(): **** Error initializing semaphore " + byThread() + "! **** ");
     }
 }
 
 Mutex::~Mutex() {
     if (sem_destroy(&mSemaphore) != 0) {
-        const Errno error;
-        std::cerr << "Mutex::~Mutex(): Semaphore '" << mName << "' (OS X ID not available) of thread "
-                  << currentThreadId() << " could not be destroyed!" << error;
+        tell(stderr, std::string("Mutex::~Mutex(): Semaphore '") + mName + "' (OS X ID not available) of thread " +
+                         std::to_string(currentThreadId()) + " could not be destroyed!");
     }
 }
 
@@ -42,9 +40,8 @@ int Mutex::lock() {
     mLockRequested = true;
     const int status = sem_wait(&mSemaphore);
     if (status != 0) {
-        const Errno error;
-        std::cerr << "Mutex::lock(): **** Error locking semaphore '" << mName << "' by thread " << currentThreadId()
-                  << "! **** " << error;
+        tell(stderr,
+             std::string("Mutex::lock(): **** Error locking semaphore '") + mName + "' " + byThread() + "! **** ");
     }
     return status;
 }
@@ -54,9 +51,8 @@ bool Mutex::tryLock() { return sem_trywait(&mSemaphore) == 0; }
 int Mutex::unlock() {
     const int status = sem_post(&mSemaphore);
     if (status != 0) {
-        const Errno error;
-        std::cout << "Mutex::unlock(): **** Error unlocking semaphore '" << mName << "' by thread " << currentThreadId()
-                  << "'! **** " << error;
+        tell(stdout,
+             std::string("Mutex::unlock(): **** Error unlocking semaphore '") + mName + "' " + byThread() + "'! **** ");
     }
     return status;
 }

@@ -7,8 +7,6 @@
 #include <utility>
 
 #include "common_sources/mnu/mnu_format.h"
-#include "common_sources/mnu/mnu_own_entries.h"
-#include "common_sources/mnu/mnu_reader.h"
 #include "config/cnfg.h"
 
 namespace {
@@ -17,10 +15,6 @@ constexpr std::size_t kMaxTold = 50;
 
 void tell(std::vector<std::string>& list, std::size_t line, const std::string& text) {
     if (list.size() < kMaxTold) list.push_back("line " + std::to_string(line) + ": " + text);
-}
-
-bool hasKey(const auto& items, std::string_view key) {
-    return std::ranges::find(items, key, &mnu_format::OwnEntry::key) != std::end(items);
 }
 
 class Checker {
@@ -63,8 +57,7 @@ class Checker {
     }
 
     void takeEntry(const Cnfg::Line& line, std::size_t number) {
-        mFacts.hasEnglish = mFacts.hasEnglish || hasKey(mnu_format::kOwnItems, line.key);
-        mFacts.hasGerman = mFacts.hasGerman || hasKey(mnu_format::kOwnGermanItems, line.key);
+        mFacts.ownLanguage.takeKey(line.key);
         const std::string_view command = commandPart(line.value);
         if (command.empty()) {
             if (line.value == mnu_format::kNoPlacement) {

@@ -7,22 +7,18 @@
 #include <string_view>
 #include <vector>
 
+#include "common_sources/mnu/mnu_reader.h"
+
 struct MenuFileFacts {
     std::size_t modes = 0;
     std::size_t menus = 0;
-    std::size_t commands = 0;    // what a button's function index counts
-    bool hasGerman = false;      // the plug-in's own entries are German,
-    bool hasEnglish = false;     // or English; neither when there are none
+    std::size_t commands = 0;  // what a button's function index counts
+    OwnLanguage ownLanguage;
     std::size_t unreadLine = 0;  // that ended the menus with entries below it, 0 = none; they are not read
 
     // A bounded number of each, as "line 7: ...".
     std::vector<std::string> duplicates;  // the same label and command twice in a menu
     std::vector<std::string> unreadable;  // below that line, or without a command
-
-    // Whether the plug-in's own entries are those of another language (lower case) than this one.
-    bool isForeignTo(std::string_view language) const {
-        return language == "german" ? hasEnglish && !hasGerman : hasGerman && !hasEnglish;
-    }
 };
 
 MenuFileFacts menuFileFacts(std::string_view bytes);

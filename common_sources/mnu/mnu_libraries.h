@@ -3,9 +3,14 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace mnu_libraries {
+
+// Of a library's file name, around the language.
+inline constexpr std::string_view kPrefix = "pro_default_";
+inline constexpr std::string_view kSuffix = "resources.dll";
 
 inline constexpr char kEnglish[] = "english";
 inline constexpr char kGerman[] = "german";

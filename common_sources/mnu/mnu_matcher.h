@@ -1,8 +1,11 @@
 // Finds very many names in very many texts at once.
 #pragma once
 
+#include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,7 +14,8 @@
 //
 // The names form a tree of their beginnings, and each beginning knows the longest other one that it ends with
 // (Aho and Corasick), so a pass costs what the text's length and the number of names in it cost, however many names
-// there are. One thread at a time.
+// there are. Where nothing has begun, the pass jumps to the next place with the beginning that all names share, in
+// steps of up to its length (Horspool). One thread at a time.
 class NameFinder {
   public:
     using NameId = std::uint32_t;
@@ -31,27 +35,51 @@ class NameFinder {
     std::vector<Hit> find(std::string_view text, const std::atomic<bool>* cancel = nullptr);
 
   private:
-    using Node = std::uint32_t;
-    static constexpr Node kRoot = 0;  // the empty beginning; as a child or sibling: none
     static constexpr NameId kNoName = ~NameId{0};
 
+    // The tree as it grows.
+    using Node = std::uint32_t;
+    static constexpr Node kRoot = 0;  // the empty beginning; as a child or sibling: none
     struct Beginning {
-        char last = 0;             // character that the parent's beginning goes on with, upper case
-        std::uint32_t length = 0;  // characters
+        char last = 0;  // character that the parent's beginning goes on with, upper case
         Node firstChild = kRoot;
         Node nextSibling = kRoot;
-        Node fallback = kRoot;       // longest shorter beginning that this one ends with
-        Node nextName = kRoot;       // longest one along the fallbacks that is a name
-        NameId name = kNoName;       // kNoName while no name ends here
+        NameId name = kNoName;  // that ends here
+    };
+
+    // The same for passes: small, those with the same parent side by side, and an only child behind its parent, so that
+    // a pass stays in the cache.
+    using StateId = std::uint32_t;
+    static constexpr StateId kStart = 0;  // the empty beginning
+    struct State {
+        char last = 0;
+        std::uint8_t childCount = 0;  // there are fewer than 256 upper-case characters
+        StateId firstChild = kStart;
+        StateId fallback = kStart;  // longest shorter beginning that this one ends with
+        NameId longest = kNoName;   // longest name that this one ends with, itself included
+    };
+    struct Name {
+        std::uint32_t length;
+        NameId next = kNoName;       // longest other name that this one ends with
         std::uint32_t lastPass = 0;  // pass over a text that has reported this name
     };
 
     Node childOf(Node node, char c) const;
-    Node step(Node node, char c) const;
+    StateId step(StateId state, char c) const;
+    void prepare();
+    void makeStates();
     void linkFallbacks();
+    void findSharedBeginning();
+    std::size_t nextShared(std::string_view text, std::size_t at) const;
 
-    std::vector<Beginning> mNodes;
-    NameId mNameCount = 0;
+    std::vector<Beginning> mTree;
+    std::vector<Name> mNames;    // by id
+    std::vector<State> mStates;  // this and what follows: of the tree when it was prepared
+    StateId mShared = kStart;    // the longest beginning of all names, if it is not too long
+    std::string mSharedText;     // of it, upper case
+    // By the character at its end, how far it is at least to the next place of it; 0 for its own last character, from
+    // which it is the last one here.
+    std::array<std::uint32_t, 257> mSharedSteps{};
     std::uint32_t mPass = 0;
-    bool mIsLinked = true;  // fallbacks are up to date
+    bool mIsPrepared = false;
 };

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <fstream>
+#include <cstdio>
 #include <optional>
 
 #include "OB_Daemon/src/logging.h"
@@ -39,7 +39,11 @@ class ResourceLibrary {
     HMODULE mModule;
 };
 
-bool canBeOpened(const std::string& path) { return std::ifstream(path, std::ios::binary).good(); }
+bool canBeOpened(const std::string& path) {
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (file != nullptr) std::fclose(file);
+    return file != nullptr;
+}
 
 // Whether all of the bytes are mapped for reading; the sizes in a damaged library may be anything.
 bool isReadable(const char* bytes, std::size_t size) {

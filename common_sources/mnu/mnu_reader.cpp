@@ -1,6 +1,10 @@
 #include "common_sources/mnu/mnu_reader.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "common_sources/mnu/mnu_format.h"
+#include "common_sources/mnu/mnu_own_entries.h"
 #include "config/cnfg.h"
 
 namespace {
@@ -8,8 +12,8 @@ namespace {
 // Calls visit(key, value) for each entry. Answers whether the file could be read.
 template <typename Visit>
 bool readSection(Cnfg& file, std::string_view section, Visit visit) {
-    std::string key, value;
-    std::int32_t status = file.positionOnSection(std::string(section));
+    std::string_view key, value;
+    std::int32_t status = file.positionOnSection(section);
     while (status == Cnfg::kOk) {
         status = file.nextParameter(key, value);
         if (status == Cnfg::kOk) visit(key, value);
@@ -17,16 +21,26 @@ bool readSection(Cnfg& file, std::string_view section, Visit visit) {
     return status != Cnfg::kReadFailed;
 }
 
+bool hasKey(const auto& items, std::string_view key) {
+    return std::ranges::find(items, key, &mnu_format::OwnEntry::key) != std::end(items);
+}
+
 }  // namespace
+
+void OwnLanguage::takeKey(std::string_view key) {
+    isEnglish = isEnglish || hasKey(mnu_format::kOwnItems, key);
+    isGerman = isGerman || hasKey(mnu_format::kOwnGermanItems, key);
+}
 
 MenuFileContent readMenuFileContent(Cnfg& file) {
     MenuFileContent content;
-    content.isWhole = readSection(file, mnu_format::kModesSection,
-                                  [&](const auto& key, const auto&) { content.modeNames.push_back(key); }) &&
-                      readSection(file, mnu_format::kMenuBarSection, [&](const auto&, const auto& value) {
-                          const auto command = commandPart(value);
-                          if (!command.empty()) content.commands.emplace_back(command);
-                      });
+    content.isWhole =
+        readSection(file, mnu_format::kModesSection, [&](auto key, auto) { content.modeNames.emplace_back(key); }) &&
+        readSection(file, mnu_format::kMenuBarSection, [&](auto key, auto value) {
+            content.ownLanguage.takeKey(key);
+            const auto command = commandPart(value);
+            if (!command.empty()) content.commands.add(command);
+        });
     return content;
 }
 

@@ -1,16 +1,48 @@
-// What the plug-in needs of a menu file. Pure functions, any thread.
+// What the plug-in needs of a menu file. Pure, any thread.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 class Cnfg;
 
+// The commands of a menu file, one behind the other in one text: there are tens of thousands of them.
+class CommandTable {
+  public:
+    void add(std::string_view command) {
+        mText += command;
+        mEnds.push_back(mText.size());
+    }
+    std::size_t size() const { return mEnds.size(); }
+    std::string_view operator[](std::size_t index) const {
+        const std::size_t begin = index == 0 ? 0 : mEnds[index - 1];
+        return std::string_view(mText).substr(begin, mEnds[index] - begin);
+    }
+
+  private:
+    std::string mText;
+    std::vector<std::size_t> mEnds;  // of each command
+};
+
+// Which of the languages that the plug-in's own entries come in a menu file has; neither when it has none of them.
+struct OwnLanguage {
+    bool isGerman = false;
+    bool isEnglish = false;
+
+    void takeKey(std::string_view key);  // of an entry
+    // Whether the entries are those of another language (lower case) than this one.
+    bool isForeignTo(std::string_view language) const {
+        return language == "german" ? isEnglish && !isGerman : isGerman && !isEnglish;
+    }
+};
+
 struct MenuFileContent {
     std::vector<std::string> modeNames;  // keys of section Modes, in file order; mode value 0 is the first
-    std::vector<std::string> commands;   // command strings of section MenuBar; a button's function index counts these
-    bool isWhole = true;                 // false: the file could not be read to its end
+    CommandTable commands;               // command strings of section MenuBar; a button's function index counts these
+    OwnLanguage ownLanguage;
+    bool isWhole = true;  // false: the file could not be read to its end
 };
 
 // Reads both sections; a missing one gives an empty list.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
+#include <vector>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/mnu/mnu_format.h"
@@ -25,6 +27,7 @@ constexpr Substitution kSubstitutions[] = {
 };
 
 constexpr char kCommandEnds[] = {mnu_format::kComment, mnu_format::kCommandEnd, '\0'};
+constexpr std::size_t kWrittenAtOnce = std::size_t{64} * 1024;
 constexpr std::size_t kKeyGap = 5;           // blanks behind the longest label
 constexpr std::size_t kMaxLabelSize = 1000;  // every line is as wide as the longest label
 
@@ -38,24 +41,66 @@ std::string_view writtenCommand(std::string_view command) {
     return found == std::end(kSubstitutions) ? command : found->written;
 }
 
-Records readableRecords(const Records& records) {
-    Records result;
-    for (const CommandRecord* record : records) {
-        if (const char* reason = unreadableReason(*record)) {
-            OB_LOG(LogLevel::WRN) << "Command left out, " << reason << ": " << record->resourceCommandName;
-        } else {
-            result.push_back(record);
+// A command that stands in menus. Most stand in many, so that each is judged, ranked and put into its line once.
+struct Item {
+    const CommandRecord* record;
+    const char* unreadable;  // reason, or null
+    std::size_t rank = 0;    // order of the labels; the same for the same ones
+    std::string line = {};
+};
+
+class Items {
+  public:
+    explicit Items(const MenuTables::Menus& menus) {
+        for (const auto& [key, records] : menus) {
+            for (const CommandRecord* record : records) {
+                if (mNumbers.emplace(record, mItems.size()).second)
+                    mItems.push_back({record, unreadableReason(*record)});
+            }
+        }
+        std::vector<Item*> sorted;
+        for (Item& item : mItems) {
+            if (!item.unreadable) sorted.push_back(&item);
+        }
+        const auto label = [](const Item* item) -> const std::string& { return item->record->label; };
+        std::ranges::sort(sorted, {}, label);
+        std::size_t rank = 0;
+        for (std::size_t i = 0; i < sorted.size(); ++i) {
+            if (i > 0 && label(sorted[i]) != label(sorted[i - 1])) ++rank;
+            sorted[i]->rank = rank;
+            mLongestLabel = std::max(mLongestLabel, label(sorted[i]).size());
         }
     }
-    return result;
-}
+
+    std::size_t longestLabel() const { return mLongestLabel; }
+
+    // Those of a menu that the file's readers can read back, in the order of their labels. The others are logged.
+    std::vector<Item*> readable(const Records& records) {
+        std::vector<Item*> result;
+        for (const CommandRecord* record : records) {
+            Item& item = mItems[mNumbers.at(record)];
+            if (item.unreadable) {
+                OB_LOG(LogLevel::WRN) << "Command left out, " << item.unreadable << ": " << record->resourceCommandName;
+            } else {
+                result.push_back(&item);
+            }
+        }
+        std::ranges::stable_sort(result, {}, &Item::rank);
+        return result;
+    }
+
+  private:
+    std::vector<Item> mItems;
+    std::unordered_map<const CommandRecord*, std::size_t> mNumbers;
+    std::size_t mLongestLabel = 0;
+};
 
 class MenuFileWriter {
   public:
-    MenuFileWriter(std::ostream& out, std::size_t keyWidth) : mOut(out), mKeyWidth(keyWidth) {}
+    MenuFileWriter(NewFile& file, std::size_t keyWidth) : mFile(file), mKeyWidth(keyWidth) {}
 
     void writeModes() {
-        mOut << mnu_format::kFirstLine << "\n";
+        mText.append(mnu_format::kFirstLine).append("\n");
         writeSection(mnu_format::kModesSection);
         int number = 0;
         for (const std::string_view mode : mnu_format::kModes) writeEntry(mode, std::to_string(++number));
@@ -71,23 +116,42 @@ class MenuFileWriter {
 
     void writeMenuKey(std::string_view key) { writeEntry(key, mnu_format::kNoPlacement); }
 
-    void writeCommand(const CommandRecord& record) {
-        std::string value(mnu_format::kNoPlacement);
-        value.append(writtenCommand(record.command)).append(1, mnu_format::kCommandEnd).append(record.helpText);
-        writeEntry(record.label, value);
+    void writeCommand(Item& item) {
+        if (item.line.empty()) {
+            const CommandRecord& record = *item.record;
+            appendKey(item.line, record.label);
+            item.line.append(mnu_format::kNoPlacement).append(writtenCommand(record.command));
+            item.line.append(1, mnu_format::kCommandEnd).append(record.helpText).append("\n");
+        }
+        mText += item.line;
+        if (mText.size() >= kWrittenAtOnce) flush();
     }
 
-    void writeEnd() { mOut << ' '; }
+    void writeEnd() {
+        mText += ' ';
+        flush();
+    }
 
   private:
-    void writeSection(std::string_view name) { mOut << " \n[" << name << "]\n"; }
+    void writeSection(std::string_view name) { mText.append(" \n[").append(name).append("]\n"); }
 
     void writeEntry(std::string_view key, std::string_view value) {
-        const std::size_t blanks = key.size() < mKeyWidth ? mKeyWidth - key.size() : 0;
-        mOut << key << std::string(blanks, ' ') << mnu_format::kKeyEnd << value << '\n';
+        appendKey(mText, key);
+        mText.append(value).append("\n");
     }
 
-    std::ostream& mOut;
+    void appendKey(std::string& text, std::string_view key) const {
+        const std::size_t blanks = key.size() < mKeyWidth ? mKeyWidth - key.size() : 0;
+        text.append(key).append(blanks, ' ').append(mnu_format::kKeyEnd);
+    }
+
+    void flush() {
+        mFile.write(mText);
+        mText.clear();
+    }
+
+    NewFile& mFile;
+    std::string mText;  // not written yet
     std::size_t mKeyWidth;
 };
 
@@ -114,24 +178,18 @@ std::optional<std::string> writeMenuFile(const std::string& path, const MenuTabl
     const auto isCancelled = [&] { return options.cancel && options.cancel->load(std::memory_order_relaxed); };
     if (isNameTaken(path)) return "Menu file exists already: " + path;
 
-    std::map<std::string_view, Records> readable;
-    std::size_t longestLabel = 0;
-    for (const auto& [key, records] : menus) {
-        if (isCancelled()) return kCancelled;
-        Records& kept = readable[key] = readableRecords(records);
-        std::ranges::stable_sort(kept, {}, &CommandRecord::label);
-        for (const CommandRecord* record : kept) longestLabel = std::max(longestLabel, record->label.size());
-    }
-
+    if (isCancelled()) return kCancelled;
+    Items items(menus);
     NewFile file(path);
-    MenuFileWriter writer(file.stream(), longestLabel + kKeyGap);
+    MenuFileWriter writer(file, items.longestLabel() + kKeyGap);
     writer.writeModes();
     writer.writeOwnMenu(options.isGerman);
-    for (const auto& [key, records] : readable) {
-        if (!records.empty()) writer.writeMenuKey(key);
-        for (const CommandRecord* record : records) {
+    for (const auto& [key, records] : menus) {
+        const std::vector<Item*> readable = items.readable(records);
+        if (!readable.empty()) writer.writeMenuKey(key);
+        for (Item* item : readable) {
             if (isCancelled()) return kCancelled;
-            writer.writeCommand(*record);
+            writer.writeCommand(*item);
         }
         if (options.afterMenu) options.afterMenu();
     }

@@ -7,6 +7,7 @@
 #include "config/cnfg.h"
 #include "config/new_file.h"
 #include "tests/substitutes/system.h"
+#include "tests/unit/plain_reader.h"
 #include "tests/unit/scratch.h"
 
 namespace {
@@ -19,7 +20,7 @@ class MenuFile : public testing::Test {
   protected:
     std::vector<std::string> commandsReadBack() const {
         Cnfg file(path);
-        return readMenuFileContent(file).commands;
+        return plain::textsOf(readMenuFileContent(file).commands);
     }
 
     const ScratchFolder folder;

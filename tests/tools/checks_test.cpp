@@ -91,8 +91,8 @@ TEST(MenuCheck, CountsWhatItsReaderReadsAndNamesTheRest) {
     EXPECT_EQ(good.commands, 2u);
     EXPECT_THAT(good.duplicates, IsEmpty());
     EXPECT_THAT(good.unreadable, IsEmpty());
-    EXPECT_TRUE(good.isForeignTo("german"));
-    EXPECT_FALSE(good.isForeignTo("french"));
+    EXPECT_TRUE(good.ownLanguage.isForeignTo("german"));
+    EXPECT_FALSE(good.ownLanguage.isForeignTo("french"));
 
     const MenuFileFacts bad = menuFileFacts(
         "[MenuBar]\n1Bewegungsmodus umschalten = {+ 6}OB_Toggle_Object_Move_Mode|x\n0A = {}\nCopy = {}ProCmdCopy|\n"
@@ -101,8 +101,8 @@ TEST(MenuCheck, CountsWhatItsReaderReadsAndNamesTheRest) {
     EXPECT_THAT(bad.duplicates, ElementsAre("line 5: the same entry as in line 4"));
     EXPECT_THAT(bad.unreadable,
                 ElementsAre(HasSubstr("line 6: has no command"), HasSubstr("line 8: stands below line 7")));
-    EXPECT_TRUE(bad.isForeignTo("english"));
-    EXPECT_FALSE(bad.isForeignTo("german"));
+    EXPECT_TRUE(bad.ownLanguage.isForeignTo("english"));
+    EXPECT_FALSE(bad.ownLanguage.isForeignTo("german"));
     EXPECT_EQ(menuFileFacts("").commands, 0u);
 }
 
@@ -191,7 +191,7 @@ TEST(Installations, LoadPointsHostsAndLanguagesAreFound) {
     EXPECT_EQ(seat::findHost(found[1]).file, host);
     EXPECT_EQ(seat::findHost(found[1]).machineType, "i486_nt");
     EXPECT_EQ(findLoadPoint(host), std::filesystem::path());
-    const auto libraries = compiledResources(found[1]);
+    const std::filesystem::path libraries = compiledResources(found[1]);
     std::filesystem::create_directories(libraries);
     EXPECT_EQ(findLoadPoint(host), found[1]);
     for (const char* name : {"pro_default_resources.dll", "PRO_DEFAULT_German_resources.dll",

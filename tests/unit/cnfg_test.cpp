@@ -3,6 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <tuple>
+
+#include "tests/unit/plain_reader.h"
 #include "tests/unit/scratch.h"
 
 namespace {
@@ -68,7 +74,7 @@ TEST_F(Reader, LooksKeysUp) {
     };
     for (const auto& c : cases) {
         Cnfg file(write(c.file));
-        std::string value = "untouched";
+        std::string_view value = "untouched";
         EXPECT_EQ(file.readParameter(c.section, c.key, value), c.status) << c.file.substr(0, 100);
         EXPECT_TRUE(value == c.value) << c.file.substr(0, 100) << " gives " << value.substr(0, 100);
         const std::string expected[] = {
@@ -80,7 +86,7 @@ TEST_F(Reader, LooksKeysUp) {
 
 TEST_F(Reader, AnswersInAnyOrderAndGoesOnFromTheCurrentPlace) {
     Cnfg file(write("[A]\na=1\nb=2\nc=3\n\n[B]\nb=9\n"));
-    std::string value;
+    std::string_view value;
     EXPECT_EQ(file.readParameter("B", "b", value), 0);
     EXPECT_EQ(file.readParameter("A", "c", value), 0);
     EXPECT_EQ(file.readParameter("A", "a", value), 0);
@@ -94,7 +100,7 @@ TEST_F(Reader, AnswersInAnyOrderAndGoesOnFromTheCurrentPlace) {
 
 TEST_F(Reader, StepsThroughASectionToItsEnd) {
     Cnfg file(write("[A]\n#c\na=1\n\ta2 = x\nb\n\nc=3\n[B]\n"));
-    std::string key, value;
+    std::string_view key, value;
     ASSERT_EQ(file.positionOnSection("A"), 0);
     for (const auto& [wantedKey, wantedValue] : {std::pair{"a", "1"}, {"a2", "x"}, {"b", ""}}) {
         ASSERT_EQ(file.nextParameter(key, value), 0);
@@ -102,17 +108,84 @@ TEST_F(Reader, StepsThroughASectionToItsEnd) {
         EXPECT_EQ(value, wantedValue);
     }
     EXPECT_EQ(file.nextParameter(key, value), 4);
-    EXPECT_EQ(key + value, "");
+    EXPECT_TRUE(key.empty() && value.empty());
     EXPECT_EQ(file.errorText(), "No further parameter in section 'A'!");
     ASSERT_EQ(file.positionOnSection("B"), 0);
     for (int i = 0; i < 3; ++i) EXPECT_EQ(file.nextParameter(key, value), 4);
     EXPECT_EQ(file.positionOnSection("A"), 0);  // rewinds from the file's end
 }
 
+// The same, line by line and with every line read anew for each question.
+class PlainCnfg {
+  public:
+    explicit PlainCnfg(const std::string& text) : mLines(plain::linesOf(text)) {}
+
+    int positionOnSection(const std::string& section) {
+        for (mAt = 0; mAt < mLines.size();) {
+            if (plain::isHeaderOf(mLines[mAt++], section)) return 0;
+        }
+        return 2;
+    }
+    int nextParameter(std::string& key, std::string& value) {
+        key = value = "";
+        while (mAt < mLines.size() && (mLines[mAt].starts_with('#') || mLines[mAt].starts_with('\r'))) ++mAt;
+        if (mAt == mLines.size()) return 4;
+        std::tie(key, value) = plain::entryOf(mLines[mAt++]);
+        return key.empty() ? 4 : 0;
+    }
+    int readParameter(const std::string& section, const std::string& wanted, std::string& value) {
+        value = "";
+        if (!section.empty() && positionOnSection(section) != 0) return 2;
+        for (std::string key; nextParameter(key, value) == 0;) {
+            if (key == wanted) return 0;
+        }
+        value = "";
+        return 3;
+    }
+
+  private:
+    std::vector<std::string> mLines;
+    std::size_t mAt = 0;
+};
+
+TEST_F(Reader, EqualsThePlainReadingOnRandomFiles) {
+    std::mt19937 random(17);
+    const char* const kPieces[] = {"[A]\n",       "[B]\n", "a",    "b",      "=",    "\t",  " ",
+                                   "#",           "\n",    "\n\n", "\r",     "\r\n", "x\n", "a=1\n",
+                                   "b = 2 # c\n", "[",     "]",    "#[A]\n", " [A]", "\x80"};
+    const char* const kNames[] = {"A", "B", "", "a", "b", "C"};
+    const auto name = [&] { return kNames[random() % std::size(kNames)]; };
+    for (int round = 0; round < 1000; ++round) {
+        std::string text;
+        for (auto count = random() % 40; count > 0; --count) text += kPieces[random() % std::size(kPieces)];
+        const std::string path = write(text);
+        Cnfg file(path);
+        std::ifstream asText(path);  // with the system's line ends
+        PlainCnfg plain(std::string{std::istreambuf_iterator<char>(asText), {}});
+        asText.close();
+        for (int step = 0; step < 30; ++step) {
+            std::string_view key, value;
+            std::string plainKey, plainValue;
+            const std::string section = name(), wanted = name();
+            const auto kind = random() % 6;
+            if (kind == 0) {
+                EXPECT_EQ(file.positionOnSection(section), plain.positionOnSection(section)) << text;
+            } else if (kind == 1) {
+                EXPECT_EQ(file.nextParameter(key, value), plain.nextParameter(plainKey, plainValue)) << text;
+            } else {
+                EXPECT_EQ(file.readParameter(section, wanted, value), plain.readParameter(section, wanted, plainValue))
+                    << text;
+            }
+            ASSERT_EQ(key, plainKey) << text;
+            ASSERT_EQ(value, plainValue) << text;
+        }
+    }
+}
+
 TEST_F(Reader, FilesThatCannotBeRead) {
     for (const auto& path : {folder.file("missing.ini"), folder.path(), std::string()}) {
         Cnfg file(path);
-        std::string key, value = "untouched";
+        std::string_view key, value = "untouched";
         EXPECT_FALSE(file.isOpen()) << path;
         EXPECT_EQ(file.errorText(), "File '" + path + "' not found!");
         EXPECT_EQ(file.readParameter("S", "k", value), 1);

@@ -4,9 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <bit>
+#include <cmath>
 #include <ctime>
+#include <iomanip>
 #include <memory>
+#include <random>
 #include <regex>
+#include <sstream>
 #include <thread>
 #include <utility>
 
@@ -143,7 +148,7 @@ TEST_F(Log, CutsLongNamesToTheirEnds) {
         {"", 1, "", "", "                |    1| ::                              "},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(makeLogPrefix(c.file, c.line, c.className, c.method), c.prefix);
+        EXPECT_EQ(std::string_view(makeLogPrefix(c.file, c.line, c.className, c.method)), c.prefix);
     }
 }
 
@@ -228,6 +233,42 @@ TEST_F(Log, FormatsPiecesLikeAStream) {
     OB_LOG(LogLevel::ERR) << 'c' << true << -1 << 4000000000u << std::int64_t{-5000000000} << 0.5 << std::string("s")
                           << std::string_view("v") << std::uint64_t{18446744073709551615u};
     EXPECT_THAT(messages(), testing::ElementsAre("c1-14000000000-50000000000.5sv18446744073709551615"));
+}
+
+// The plain way of a line: streams, and a file name looked up when the statement runs.
+std::string plainPrefix(std::string file, int line, const std::string& method) {
+    file = file.substr(file.rfind('\\') + 1);
+    if (file.size() > 16) file = "*" + file.substr(file.size() - 15);
+    const std::string name = method.size() > 32 ? "*" + method.substr(method.size() - 31) : method;
+    std::ostringstream out;
+    out << std::setw(16) << file << "| " << std::setw(4) << line << "| " << std::left << std::setw(32) << name;
+    return out.str();
+}
+
+TEST_F(Log, EqualsThePlainWayOnRandomStatements) {
+    std::mt19937_64 random(4711);
+    const auto word = [&](std::size_t longest) {
+        std::string text(static_cast<std::size_t>(random() % (longest + 1)), ' ');
+        for (char& c : text) c = "ab/\\. \x80\xff"[random() % 8];
+        return text;
+    };
+    init();
+    std::vector<std::string> expected;
+    for (int round = 0; round < 2000; ++round) {
+        const std::string path = word(40), className = word(12), method = word(30), text = word(50);
+        const int line = static_cast<int>(random() >> (33 + random() % 30)) - 5;
+        EXPECT_EQ(std::string_view(makeLogPrefix(path.c_str(), line, className, method)),
+                  plainPrefix(path, line, className + "::" + method));
+        const auto whole = static_cast<std::int64_t>(random() >> random() % 64);
+        const double fraction =
+            round % 50 == 0 ? std::pow(-10.0, round) / (round % 100) : std::bit_cast<double>(random());
+        const void* pointer = round % 9 == 0 ? nullptr : path.c_str() + whole % 9999;
+        std::ostringstream plain;
+        plain << text << 'c' << whole << ',' << fraction << ',' << pointer << ',' << (whole % 2 == 0);
+        expected.push_back(plain.str());
+        OB_LOG(LogLevel::ERR) << text << 'c' << whole << ',' << fraction << ',' << pointer << ',' << (whole % 2 == 0);
+    }
+    EXPECT_EQ(messages(), expected);
 }
 
 TEST_F(Log, RotatesBeforeTheFirstLineThatFindsTheFileFull) {

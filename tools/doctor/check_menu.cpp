@@ -117,12 +117,12 @@ void checkMenuFile(Seat& seat, Findings& findings) {
     tellLines("menu.unreadable", facts.unreadable, findings);
     tellLines("menu.duplicates", facts.duplicates, findings);
     if (facts.commands == 0) return;
-    const bool isForeign = facts.isForeignTo(seat.language.name);
+    const bool isForeign = facts.ownLanguage.isForeignTo(seat.language.name);
     findings.tell("menu.language", !isForeign,
                   std::string("the plug-in's own entries are ") +
-                      (facts.hasGerman    ? "German"
-                       : facts.hasEnglish ? "English"
-                                          : "in no known language") +
+                      (facts.ownLanguage.isGerman    ? "German"
+                       : facts.ownLanguage.isEnglish ? "English"
+                                                     : "in no known language") +
                       ", Creo's language is " + seat.language.name);
     if (!seat.loadPoint.empty()) checkAge(seat, findings);
 }

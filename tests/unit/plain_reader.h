@@ -1,7 +1,9 @@
-// The rules of the configuration reader once more, on the whole text at once: what fuzzers compare the reader with.
+// The rules of the configuration reader once more, on the whole text at once: what tests and fuzzers compare the reader
+// with.
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -69,6 +71,13 @@ inline Entries section(const std::string& text, const std::string& name) {
         entries.push_back(entry);
     }
     return entries;
+}
+
+// Of a table of commands.
+std::vector<std::string> textsOf(const auto& table) {
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < table.size(); ++i) texts.emplace_back(table[i]);
+    return texts;
 }
 
 inline std::string valueOf(const Entries& entries, const std::string& key) {
