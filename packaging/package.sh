@@ -6,7 +6,7 @@
 #
 #   packaging/package.sh [--unlock COMMAND] [--sign COMMAND]
 #
-#   --unlock COMMAND   run over each plug-in DLL, with its name as last argument, before signing
+#   --unlock COMMAND   run over each DLL that Creo loads, with its name as last argument, before signing
 #   --sign COMMAND     run the same way over each DLL and program, and over installer and uninstaller
 set -euo pipefail
 . "$(dirname "$0")/../scripts/common.sh"
@@ -29,8 +29,8 @@ done
 step 'Set-up: packages'
 scripts/setup.sh packaging
 step 'Build: plug-in, tools and simulator of both bit widths'
-build_preset windows-x86 orbikon_creo mnu_make orbikon_doctor obk_ctrlr obk_daemon
-build_preset windows-x64 orbikon_creo orbikon_doctor obk_ctrlr obk_daemon
+build_preset windows-x86 orbikon_creo mnu_make orbikon_doctor orbikon_probe obk_ctrlr obk_daemon
+build_preset windows-x64 orbikon_creo orbikon_doctor orbikon_probe obk_ctrlr obk_daemon
 
 version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 name=orbikon-creo-$version
@@ -59,6 +59,8 @@ collect() {
     put plugin64 tools $x64/orbikon_doctor.exe orbikon_doctor_64.exe  # looks at what only a 64-bit program can load
     put tools tools $x86/orbikon_doctor.exe
     put tools tools $x86/mnu_make.exe
+    put tools x86 $x86/orbikon_probe.dll
+    put tools x64 $x64/orbikon_probe.dll
     for file in docs/*.md; do put_text documents docs "$file"; done
     for file in docs/pictures/*; do put documents docs/pictures "$file"; done
     put_text documents docs packaging/protk.dat
@@ -103,7 +105,7 @@ for file in "${all[@]}"; do
         *) i686-w64-mingw32-strip "$file" ;;
     esac
 done
-[ -z "$unlock" ] || over_each "$unlock" "$work/plugin32/x86/orbikon_creo.dll" "$work/plugin64/x64/orbikon_creo.dll"
+[ -z "$unlock" ] || over_each "$unlock" "$work"/plugin*/x*/orbikon_creo.dll "$work"/tools/x*/orbikon_probe.dll
 [ -z "$sign" ] || over_each "$sign" "${all[@]}"
 
 find "$work" -type f -exec chmod 644 {} +

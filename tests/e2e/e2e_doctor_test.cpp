@@ -107,6 +107,18 @@ TEST(Doctor, ArgumentsAndExitCodes) {
     EXPECT_EQ(seat.run({"--load-point", loadPoint}), 2u) << seat.printed;
 }
 
+TEST(Doctor, RegistersTheProbeBesideThePlugIn) {
+    DoctorSeat seat;
+    const std::string file = (seat.folder() / "both.dat").string();
+    EXPECT_EQ(seat.run({"register", file}), 0u) << seat.printed;
+    const std::string plugin = bytesOf(file);
+    EXPECT_EQ(seat.run({"register", file, "--probe"}), 0u) << seat.printed;
+    EXPECT_THAT(bytesOf(file), testing::AllOf(testing::StartsWith(plugin), HasSubstr("name orbikon_probe\r\n"),
+                                              HasSubstr("\\orbikon_probe.dll\r\n")));
+    EXPECT_EQ(seat.run({"unregister", file, "--probe"}), 0u) << seat.printed;
+    EXPECT_EQ(bytesOf(file), plugin);
+}
+
 // A profile whose name no code page of the process has; nothing changes there without --fix.
 TEST(Doctor, ProfilesOfAnyScriptAreReadAndMended) {
     DoctorSeat seat;

@@ -19,8 +19,8 @@ enum ExitCode { kAllRight = 0, kWarnings = 1, kErrors = 2, kWrongArguments = 3 }
 constexpr char kUsage[] =
     "Usage: orbikon_doctor [--profile DIR] [--load-point DIR] [--registry FILE] [--plugin DLL] [--offline]\n"
     "                      [--json] [--verbose] [--report FILE] [--fix] [--version] [--help]\n"
-    "       orbikon_doctor register FILE | --load-point DIR [--plugin DLL] [--text-dir DIR]\n"
-    "       orbikon_doctor unregister FILE | --load-point DIR\n"
+    "       orbikon_doctor register FILE | --load-point DIR [--plugin DLL] [--text-dir DIR] [--probe]\n"
+    "       orbikon_doctor unregister FILE | --load-point DIR [--probe]\n"
     "       orbikon_doctor load-points [DIR...]\n"
     "       orbikon_doctor probe-report FILE [--json]\n"
     "\n"
@@ -43,6 +43,7 @@ constexpr char kUsage[] =
     "\n"
     "  --plugin DLL      otherwise the one that was installed with this program\n"
     "  --text-dir DIR    folder that holds \"text\"; otherwise the plug-in's, or the one above\n"
+    "  --probe           the probe of a Creo, orbikon_probe.dll, instead of the plug-in\n"
     "\n"
     "probe-report reads what orbikon_probe.dll has found in a Creo.\n"
     "\n"

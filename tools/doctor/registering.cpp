@@ -27,8 +27,8 @@ enum ExitCode { kDone = 0, kFailed = 2, kWrongArguments = 3 };
 constexpr char kMachine32[] = "i486_nt";
 constexpr char kMachine64[] = "x86e_win64";
 
-constexpr cli::Option kOptions[] = {
-    {"--load-point", true}, {"--plugin", true}, {"--text-dir", true}, {"--answer", true}, {"--drop-backup", false}};
+constexpr cli::Option kOptions[] = {{"--load-point", true}, {"--plugin", true}, {"--text-dir", true},
+                                    {"--probe", false},     {"--answer", true}, {"--drop-backup", false}};
 
 // What a sub-command has to say. Two options are for the installer and not in the usage: --answer FILE also writes it
 // as UTF-16 with a mark, for a program that cannot read UTF-8 from a pipe; --drop-backup leaves no backup of a file
@@ -81,12 +81,11 @@ std::string machineTypeOf(const fs::path& loadPoint) {
 }
 
 // In an installation the doctor lies in "tools", in a build folder beside the plug-in.
-fs::path pluginNear(const fs::path& program, const std::string& machineType) {
-    constexpr const char* kLibrary = "orbikon_creo.dll";
+fs::path libraryNear(const fs::path& program, const std::string& library, const std::string& machineType) {
     const fs::path folder = program.parent_path();
-    const fs::path installed = folder.parent_path() / (machineType == kMachine64 ? "x64" : "x86") / kLibrary;
+    const fs::path installed = folder.parent_path() / (machineType == kMachine64 ? "x64" : "x86") / library;
     std::error_code ignored;
-    return fs::exists(installed, ignored) ? installed : folder / kLibrary;
+    return fs::exists(installed, ignored) ? installed : folder / library;
 }
 
 fs::path textDirOf(const fs::path& plugin) {
@@ -98,7 +97,9 @@ fs::path textDirOf(const fs::path& plugin) {
 class Registering {
   public:
     Registering(const cli::ParsedArguments& arguments, fs::path program)
-        : mArguments(arguments), mProgram(std::move(program)) {}
+        : mArguments(arguments),
+          mProgram(std::move(program)),
+          mId(arguments.has("--probe") ? seat::kProbeId : seat::kPluginId) {}
 
     int enter() {
         const std::string machineType = mLoadPoint.empty() ? kMachine32 : machineTypeOf(mLoadPoint);
@@ -106,18 +107,20 @@ class Registering {
             return fail("no Creo was found in " + seat::textOf(mLoadPoint) +
                         "; name the folder \"Common Files\" of an installation");
         }
-        fs::path plugin = seat::pathOf(mArguments.value("--plugin"));
-        if (plugin.empty()) plugin = pluginNear(mProgram, machineType);
+        fs::path library = seat::pathOf(mArguments.value("--plugin"));
+        if (library.empty()) library = libraryNear(mProgram, mId.library, machineType);
         fs::path textDir = seat::pathOf(mArguments.value("--text-dir"));
-        if (textDir.empty()) textDir = textDirOf(fs::absolute(plugin));
+        if (textDir.empty()) textDir = textDirOf(fs::absolute(library));
         std::error_code ignored;
-        if (!fs::exists(plugin, ignored)) return fail("there is no plug-in " + seat::textOf(plugin));
+        if (!fs::exists(library, ignored)) {
+            return fail("there is no " + std::string(isProbe() ? "probe " : "plug-in ") + seat::textOf(library));
+        }
 
         const auto files = mFile.empty() ? seat::registrationTargets(mLoadPoint) : std::vector<fs::path>(1, mFile);
         if (const int code = checkWriting(files); code != kDone) return code;
-        const auto fields = seat::pluginRegistration(registeredPath(plugin), registeredPath(textDir));
-        int code = updateAll(
-            files, [&](const fs::path& file) { return seat::registerApplication(file, seat::kPluginId, fields); });
+        const auto registration = isProbe() ? seat::probeRegistration : seat::pluginRegistration;
+        const auto fields = registration(registeredPath(library), registeredPath(textDir));
+        int code = updateAll(files, [&](const fs::path& file) { return seat::registerApplication(file, mId, fields); });
         if (mFile.empty() && code == kDone) code = takeOutOfOthers(files);
         return code;
     }
@@ -147,9 +150,9 @@ class Registering {
     }
 
   private:
-    static seat::RegistrationUpdate takeOutOf(const fs::path& file) {
-        return seat::unregisterApplication(file, seat::kPluginId);
-    }
+    bool isProbe() const { return mArguments.has("--probe"); }
+
+    seat::RegistrationUpdate takeOutOf(const fs::path& file) const { return seat::unregisterApplication(file, mId); }
 
     int fail(const std::string& text) {
         mAnswer.say(text);
@@ -166,11 +169,11 @@ class Registering {
         return kDone;
     }
 
-    // Two files of different names are both read: the plug-in would be started twice.
+    // Two files of different names are both read: the library would be started twice.
     int takeOutOfOthers(const std::vector<fs::path>& files) {
         auto others = seat::registrationFilesOf(mLoadPoint);
         std::erase_if(others, [&](const fs::path& file) { return std::ranges::find(files, file) != files.end(); });
-        return updateAll(others, takeOutOf);
+        return updateAll(others, [&](const fs::path& file) { return takeOutOf(file); });
     }
 
     template <typename Update>
@@ -186,6 +189,7 @@ class Registering {
 
     const cli::ParsedArguments& mArguments;
     fs::path mProgram;
+    seat::ApplicationId mId;
     fs::path mFile;
     fs::path mLoadPoint;
     Answer mAnswer;
