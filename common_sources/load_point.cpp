@@ -29,9 +29,9 @@ NativePath parentOf(const NativePath& path) {
     static constexpr NativePath::value_type kSeparators[] = {kSeparator, '/', 0};
     NativePath parent = path.substr(0, path.find_last_of(kSeparators) + 1);
     parent.resize(parent.find_last_not_of(kSeparators) + 1);
+    if (kSeparator == '/') return parent;
     const auto firstFolder = parent.find_first_of(kSeparators, parent.find_first_not_of(kSeparators));
-    const bool isRoot = kSeparator == '\\' && firstFolder == parent.npos;  // "C:" or "\\server"
-    return isRoot ? NativePath() : parent;
+    return firstFolder == parent.npos ? NativePath() : parent;  // "C:" or "\\server"
 }
 
 std::string systemLanguage() {
