@@ -144,6 +144,8 @@ int run(const Options& options) {
         plugins().findRegistered();
         isStarted = plugins().isAnyRegistered() && plugins().start();
         if (!plugins().isAnyRegistered()) host().message("No application is registered.");
+        // A person's model is opened when the applications run; here it was there before them.
+        if (isStarted && options.isInteractive) notifyModelOpened();
     }
     // Last, so that no message of the start hides it.
     if (options.isInteractive) host().message(std::string("Cap keys: ") + CAP_KEYS);

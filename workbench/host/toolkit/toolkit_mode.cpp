@@ -7,6 +7,7 @@
 #include "workbench/host/toolkit/notifications.h"
 #include "workbench/host/toolkit/toolkit_call.h"
 #include "workbench/host/windows/frame.h"
+#include "workbench/host/windows/ui_loop.h"
 
 #include <algorithm>
 #include <cctype>
@@ -54,6 +55,7 @@ ProError ProWindowRefresh(int window) {
     return toolkitCall(__func__, [&] {
         if (window != host().window()) return PRO_TK_BAD_INPUTS;
         frame().redrawGraphics();
+        noteInput();  // components may move for seconds, and the cap's key be released meanwhile
         return PRO_TK_NO_ERROR;
     });
 }

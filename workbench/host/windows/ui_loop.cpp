@@ -157,6 +157,8 @@ void pumpUiMessages() {
     }
 }
 
+void noteInput() { GetQueueStatus(QS_INPUT); }
+
 void quitUiLoop(int exitCode) { PostQuitMessage(exitCode); }
 
 void setKeyFilter(MessageFilter filter) { keyFilter = std::move(filter); }

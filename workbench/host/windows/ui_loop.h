@@ -29,6 +29,10 @@ void quitUiLoop(int exitCode);
 // loop is left for the loop itself. User-interface thread.
 void pumpUiMessages();
 
+// Lets the system take note of keys that went down or up while the message loop stands still, so that other threads see
+// them; serves nothing. User-interface thread.
+void noteInput();
+
 // Sees every key message, or every timer message, before it is dispatched; true = used up. User-interface thread.
 using MessageFilter = std::function<bool(const MSG&)>;
 void setKeyFilter(MessageFilter filter);
