@@ -19,14 +19,27 @@ bool readSection(Cnfg& file, std::string_view section, Visit visit) {
 
 }  // namespace
 
+MenuFileTree readMenuFileTree(Cnfg& file) {
+    MenuFileTree tree;
+    const auto takeEntry = [&tree](const std::string& key, std::string_view value) {
+        const auto command = commandPart(value);
+        if (command.empty() || tree.menus.empty()) tree.menus.push_back(command.empty() ? key : std::string());
+        if (command.empty()) return;
+        const auto help = value.find(mnu_format::kCommandEnd);
+        tree.items.push_back({tree.menus.size() - 1, key, std::string(command),
+                              std::string(help == value.npos ? std::string_view() : value.substr(help + 1))});
+    };
+    tree.isWhole = readSection(file, mnu_format::kModesSection,
+                               [&](const auto& key, const auto&) { tree.modeNames.push_back(key); }) &&
+                   readSection(file, mnu_format::kMenuBarSection,
+                               [&](const auto& key, const auto& value) { takeEntry(key, value); });
+    return tree;
+}
+
 MenuFileContent readMenuFileContent(Cnfg& file) {
-    MenuFileContent content;
-    content.isWhole = readSection(file, mnu_format::kModesSection,
-                                  [&](const auto& key, const auto&) { content.modeNames.push_back(key); }) &&
-                      readSection(file, mnu_format::kMenuBarSection, [&](const auto&, const auto& value) {
-                          const auto command = commandPart(value);
-                          if (!command.empty()) content.commands.emplace_back(command);
-                      });
+    MenuFileTree tree = readMenuFileTree(file);
+    MenuFileContent content{.modeNames = std::move(tree.modeNames), .commands = {}, .isWhole = tree.isWhole};
+    for (MenuFileItem& item : tree.items) content.commands.push_back(std::move(item.command));
     return content;
 }
 

@@ -67,7 +67,7 @@ TEST_F(Daemon, BadBindingsAreRefusedAndChangeNothing) {
          "not in \"Creo.mnu\": ProCmdX, ProCmdBehind"},
         {"1 = ProCmdBare\n", "Creo.mnu", "bad.txt:1: a binding before the first [Mode]"},
         {"[Part]\nnonsense\n", "Creo.mnu", "bad.txt:2: neither [Mode] nor button = command"},
-        {"[Part]\n0 = ProCmdBare\n", "Creo.mnu", "\"0\" is not in 1 .. 999"},
+        {"[Part]\n0 = ProCmdBare\n", "Creo.mnu", "bad.txt:2: \"0\" is not in 1 .. 999"},
         {"[Part]\n", "missing.mnu", "cannot read \"missing.mnu\""},
         {"[Part]\n", "no_menu.mnu", "\"no_menu.mnu\" has no section [MenuBar]"},
     };
