@@ -100,12 +100,12 @@ void Desk::tellBindings() {
     mClient.setBinding("bind " + quoted(mBindFile) + ' ' + quoted(mMenuFile) + " keep");
 }
 
-std::wstring Desk::labelOf(const std::string& mode, int button) const {
+std::wstring Desk::labelOf(const std::string& mode, int button, bool isSourceTold) const {
     const BindModel::Bound bound = mBindings.bound(mode, button);
     if (bound.command == nullptr) return {};
     const CommandList::Item* item = mCommands.find(*bound.command);
     std::wstring label = item != nullptr ? wideText(item->label) : text(Text::missing) + wideText(*bound.command);
-    if (bound.isInherited) label += text(Text::inherited);
+    if (bound.isInherited && isSourceTold) label += text(Text::inherited);
     return label;
 }
 

@@ -36,8 +36,9 @@ class Desk {
     bool refreshMenuFile();
     // Change, save, and tell the daemon. False when nothing changed.
     bool changeBindings(const std::function<bool(BindModel&)>& change);
-    // What a button does in a mode, for people; empty when it is not bound.
-    std::wstring labelOf(const std::string& mode, int button) const;
+    // What a button does in a mode, for people, and on demand whether it does so in all modes; empty when it is not
+    // bound.
+    std::wstring labelOf(const std::string& mode, int button, bool isSourceTold) const;
     std::string modeTold();  // "Default" while none is
 
     // ---- the device ----

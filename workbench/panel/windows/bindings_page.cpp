@@ -181,7 +181,7 @@ int BindingsPage::button() const { return selectedRow(mButtons) + 1; }
 
 void BindingsPage::refreshBindings() {
     const std::string now = mode();
-    for (int row = 0; row < kButtonCount; ++row) setCell(mButtons, row, 1, mDesk.labelOf(now, row + 1));
+    for (int row = 0; row < kButtonCount; ++row) setCell(mButtons, row, 1, mDesk.labelOf(now, row + 1, true));
     EnableWindow(mUndo, mDesk.bindings().canUndo());
 }
 

@@ -36,7 +36,7 @@ ButtonsPage::ButtonsPage(HWND parent, Desk& desk) : mDesk(desk) {
 void ButtonsPage::refresh() {
     const std::string mode = mDesk.modeTold();
     for (int number = 1; number <= kButtonCount; ++number) {
-        const std::wstring label = mDesk.labelOf(mode, number);
+        const std::wstring label = mDesk.labelOf(mode, number, false);
         std::wstring caption = std::to_wstring(number) + L"\n" + (label.empty() ? text(Text::unbound) : label);
         for (std::size_t at = 0; (at = caption.find(L'&', at)) != caption.npos; at += 2) caption.insert(at, 1, L'&');
         setText(mButtons[static_cast<std::size_t>(number - 1)], caption);

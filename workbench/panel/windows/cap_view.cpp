@@ -144,6 +144,7 @@ LRESULT CapView::handle(UINT message, WPARAM wParam, LPARAM lParam) {
             letGo(CapState::Hand::wheel);
             return 0;
         case WM_LBUTTONDBLCLK:
+            letGo();
             mDesk.moveCap([](CapState& cap) { cap.releaseAll(); });
             return 0;
         case WM_MOUSEWHEEL:
