@@ -1,6 +1,12 @@
 # The version is said once, by project() in the root's CMakeLists.txt. From there it goes into a header for programs that
 # tell it (version.h.in), and into the version resource of every DLL and program.
 
+# windres hands its arguments to a shell without proper quotes. So it gets no more of them than it needs, and all relative
+# to the build folder: then the checkout's own folder may have any name.
+set(CMAKE_RC_COMPILE_OBJECT
+  "<CMAKE_COMMAND> -E copy <SOURCE> <OBJECT>.rc" "<CMAKE_RC_COMPILER> -O coff <OBJECT>.rc <OBJECT>")
+file(RELATIVE_PATH ORBIKON_ICON_FILE ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/packaging/orbikon.ico)
+
 # orbikon_resource(TARGET DESCRIPTION): version resource; a program gets the icon, too.
 function(orbikon_resource target description)
   string(REPLACE "." "," ORBIKON_VERSION_NUMBERS "${PROJECT_VERSION}")
@@ -11,7 +17,7 @@ function(orbikon_resource target description)
   set(ORBIKON_ICON "")
   if(type STREQUAL EXECUTABLE)
     set(ORBIKON_FILE_TYPE VFT_APP)
-    set(ORBIKON_ICON "1 ICON \"${PROJECT_SOURCE_DIR}/packaging/orbikon.ico\"")
+    set(ORBIKON_ICON "1 ICON \"${ORBIKON_ICON_FILE}\"")
   endif()
   set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource}.in @ONLY)

@@ -29,8 +29,8 @@ done
 step 'Set-up: packages'
 scripts/setup.sh packaging
 step 'Build: plug-in, tools and simulator of both bit widths'
-build_preset windows-x86 orbikon_creo mnu_make orbikon_doctor orbikon_probe obk_ctrlr obk_daemon
-build_preset windows-x64 orbikon_creo orbikon_doctor orbikon_probe obk_ctrlr obk_daemon
+build_preset windows-x86 orbikon_creo mnu_make orbikon_doctor orbikon_probe obk_ctrlr obk_daemon obk_panel obk_ctl
+build_preset windows-x64 orbikon_creo orbikon_doctor orbikon_probe obk_ctrlr obk_daemon obk_panel obk_ctl
 
 version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 name=orbikon-creo-$version
@@ -64,10 +64,13 @@ collect() {
     for file in docs/*.md; do put_text documents docs "$file"; done
     for file in docs/pictures/*; do put documents docs/pictures "$file"; done
     put_text documents docs packaging/protk.dat
+    put_text simulator simulator docs/without-device.md
     put simulator simulator/x86 $x86/workbench/creo/bin/obk_ctrlr_32.dll
-    put simulator simulator/x86 $x86/workbench/obk_daemon.exe
     put simulator simulator/x64 $x64/workbench/creo/bin/obk_ctrlr_64.dll
-    put simulator simulator/x64 $x64/workbench/obk_daemon.exe
+    for file in obk_daemon obk_panel obk_ctl; do
+        put simulator simulator/x86 $x86/workbench/$file.exe
+        put simulator simulator/x64 $x64/workbench/$file.exe
+    done
 }
 
 programs() { find "$work" \( -name '*.dll' -o -name '*.exe' \) | LC_ALL=C sort; }

@@ -5,6 +5,11 @@ cd "$root" || exit 1
 
 step() { printf '\n== %s\n' "$*"; }
 
+# Ctrl-C is no failure of a step: says so, and ends.
+on_interrupt() {  # on_interrupt REMARK
+    trap "printf '\n%s: interrupted; %s\n' '$(basename "$0")' '$1' >&2; exit 130" INT TERM
+}
+
 # Build folders and Wine prefix belong to one run at a time; another one waits. Descriptor 5 holds the lock; wine.sh
 # closes it, so that what Wine leaves running does not keep it.
 lock_checkout() {

@@ -66,9 +66,16 @@ install_from_main_suite() {
     return $ok
 }
 
+# For who is neither root nor may become it by sudo.
+tell_commands() {
+    say 'installing packages needs root, and there is no sudo; somebody who is root can paste:' >&2
+    if printf '%s\n' "${missing[@]}" | grep -q ':i386$'; then printf '    dpkg --add-architecture i386\n' >&2; fi
+    printf '    apt-get update\n    apt-get install -y --no-install-recommends %s\n' "${missing[*]}" >&2
+    exit 1
+}
+
 install_missing() {
-    [ "$(id -u)" = 0 ] || command -v sudo >/dev/null ||
-        die "installing packages needs root or sudo; please install by hand: ${missing[*]}"
+    [ "$(id -u)" = 0 ] || command -v sudo >/dev/null || tell_commands
     local log; log=$(mktemp)
     say "installing ${missing[*]} (some minutes the first time; apt's output: $log)"
     if printf '%s\n' "${missing[@]}" | grep -q ':i386$'; then  # one foreign package: the architecture is needed

@@ -32,6 +32,22 @@ void OwnLanguage::takeKey(std::string_view key) {
     isGerman = isGerman || hasKey(mnu_format::kOwnGermanItems, key);
 }
 
+MenuFileTree readMenuFileTree(Cnfg& file) {
+    MenuFileTree tree;
+    const auto takeEntry = [&tree](std::string_view key, std::string_view value) {
+        const auto command = commandPart(value);
+        if (command.empty() || tree.menus.empty()) tree.menus.emplace_back(command.empty() ? key : std::string_view());
+        if (command.empty()) return;
+        const auto help = value.find(mnu_format::kCommandEnd);
+        tree.items.push_back({tree.menus.size() - 1, std::string(key), std::string(command),
+                              std::string(help == value.npos ? std::string_view() : value.substr(help + 1))});
+    };
+    tree.isWhole =
+        readSection(file, mnu_format::kModesSection, [&](auto key, auto) { tree.modeNames.emplace_back(key); }) &&
+        readSection(file, mnu_format::kMenuBarSection, takeEntry);
+    return tree;
+}
+
 MenuFileContent readMenuFileContent(Cnfg& file) {
     MenuFileContent content;
     content.isWhole =

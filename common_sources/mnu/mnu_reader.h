@@ -45,6 +45,24 @@ struct MenuFileContent {
     bool isWhole = true;  // false: the file could not be read to its end
 };
 
+// The same entries as somebody who chooses among them sees them: menus with items. The position of an item among all
+// items is its function index, as it is that of its command in MenuFileContent. Texts are in the process code page.
+struct MenuFileItem {
+    std::size_t menu;  // index into MenuFileTree::menus
+    std::string label;
+    std::string command;
+    std::string help;
+};
+struct MenuFileTree {
+    std::vector<std::string> modeNames;
+    std::vector<std::string>
+        menus;  // as their headers name them; an item before the first header makes one without a name
+    std::vector<MenuFileItem> items;
+    bool isWhole = true;
+};
+
+MenuFileTree readMenuFileTree(Cnfg& file);
+
 // Reads both sections; a missing one gives an empty list.
 MenuFileContent readMenuFileContent(Cnfg& file);
 

@@ -1,6 +1,8 @@
 // The daemon as a program: its commands, bindings, scripts and end.
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "tests/workbench/driver_library.h"
 
 namespace workbench {
@@ -67,7 +69,7 @@ TEST_F(Daemon, BadBindingsAreRefusedAndChangeNothing) {
          "not in \"Creo.mnu\": ProCmdX, ProCmdBehind"},
         {"1 = ProCmdBare\n", "Creo.mnu", "bad.txt:1: a binding before the first [Mode]"},
         {"[Part]\nnonsense\n", "Creo.mnu", "bad.txt:2: neither [Mode] nor button = command"},
-        {"[Part]\n0 = ProCmdBare\n", "Creo.mnu", "\"0\" is not in 1 .. 999"},
+        {"[Part]\n0 = ProCmdBare\n", "Creo.mnu", "bad.txt:2: \"0\" is not in 1 .. 999"},
         {"[Part]\n", "missing.mnu", "cannot read \"missing.mnu\""},
         {"[Part]\n", "no_menu.mnu", "\"no_menu.mnu\" has no section [MenuBar]"},
     };
@@ -77,6 +79,105 @@ TEST_F(Daemon, BadBindingsAreRefusedAndChangeNothing) {
     }
     bench.bench.daemon("button 1");
     EXPECT_EQ(bench.library.read().event, APPL_FUNC_START + 3);
+}
+
+// A bind file that is older than the menu file: what is gone stays bound, and only pressing it is refused.
+TEST_F(Daemon, BindingsToCommandsThatAreGoneAreKeptOnDemand) {
+    file("Creo.mnu", kMenu);
+    file("old.txt", "[Default]\n1 = ProCmdGone\n2 = ProCmdBare\n");
+    ASSERT_EQ(bench.library.connect(), 0);
+    EXPECT_EQ(bench.bench.askDaemon("bind old.txt Creo.mnu kept").error, "only \"keep\" may follow the files");
+    bench.bench.daemon("bind old.txt Creo.mnu keep");
+    EXPECT_EQ(bench.bench.daemon("bindings"),
+              (std::vector<std::string>{"Default|1|ProCmdGone|-1", "Default|2|ProCmdBare|3"}));
+    EXPECT_EQ(bench.bench.askDaemon("button 1").error, "button 1 is bound to ProCmdGone, which is not in \"Creo.mnu\"");
+    bench.bench.daemon("button 2");
+    EXPECT_EQ(bench.library.read().event, APPL_FUNC_START + 3);
+}
+
+TEST_F(Daemon, TakesBackWhatAClientSetOnceItHasGone) {
+    const auto state = [&] {
+        std::vector<std::string> values;
+        for (const char* key : {"axes", "extras", "devices", "rotation_mode", "context_flag", "legacy_own", "hold"}) {
+            values.push_back(bench.bench.daemonStatus(key));
+        }
+        return values;
+    };
+    bench.bench.daemon("settings 104 1");
+    const auto before = state();
+    for (const bool isTakenBack : {true, false}) {
+        LineClient client;
+        bench.bench.connect(client, "obk_control");
+        for (const char* command : {isTakenBack ? "take-back on" : "take-back off", "axes 1 2 3 4 5 6", "extras 7 8",
+                                    "devices 3", "settings 2 0", "settings 3 0", "legacy 0", "hold on"}) {
+            ASSERT_TRUE(client.ask(command).isOk) << command;
+        }
+        const auto changed = state();
+        EXPECT_NE(changed, before);
+        client.close();
+        if (isTakenBack) {
+            EXPECT_TRUE(waitFor([&] { return state() == before; }));
+        } else {
+            bench.bench.daemon("status");
+            EXPECT_EQ(state(), changed);
+        }
+    }
+}
+
+TEST_F(Daemon, TellsWhoIsConnected) {
+    EXPECT_TRUE(bench.bench.daemon("applications").empty());
+    ASSERT_EQ(bench.library.connect("xtopCreo"), 0);
+    const std::string name = std::to_string(GetCurrentProcessId()) + "|xtopCreo|";
+    EXPECT_EQ(bench.bench.daemon("applications"), std::vector{name});
+    ASSERT_EQ(bench.library.setMode("xtopCreo", "Assembly"), 0);
+    EXPECT_EQ(bench.bench.daemon("applications"), std::vector{name + "Assembly"});
+}
+
+// What an application got while it was recorded it gets again, in time or line by line.
+TEST_F(Daemon, RecordsAndReplaysWhatReachesAnApplication) {
+    ASSERT_EQ(bench.library.connect(), 0);
+    bench.bench.daemon("record record.txt");
+    for (const char* command : {"axes 10 0 0 0 0 0", "event 0x20017", "axes 0 0 0 0 0 -20", "settings 104 1"}) {
+        bench.bench.daemon(command);
+    }
+    bench.bench.daemon("record off");
+    bench.bench.daemon("axes 1 1 1 1 1 1");
+    std::string commands;
+    const std::string record = readTextFile(bench.bench.folder() / "record.txt");
+    std::istringstream lines(record);
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with('#')) commands += line.substr(line.find(' ') + 1) + '\n';
+    }
+    EXPECT_EQ(commands,
+              "settings 0 0\ndevices 1\naxes 0 0 0 0 0 0\naxes 10 0 0 0 0 0\nevent 131095\n"
+              "axes 0 0 0 0 0 -20\nsettings 104 1\n");
+
+    bench.bench.daemon("settings 0 0");
+    const auto next = [&] { return bench.readUntil([](const DriverReading& reading) { return reading.event != -1; }); };
+    while (bench.library.read().event != -1) {
+    }
+    bench.bench.daemon("replay record.txt step");
+    EXPECT_EQ(bench.bench.daemon("step 4").size(), 4u);
+    EXPECT_EQ(bench.bench.daemonStatus("axes"), "10 0 0 0 0 0");
+    EXPECT_EQ(bench.bench.daemonStatus("replayed"), "4/7");
+    EXPECT_EQ(next().event, kEventSettingsChanged1);
+    EXPECT_TRUE(bench.bench.daemon("step").at(0).ends_with(" event 131095"));
+    EXPECT_EQ(next().event, 0x20017);
+    EXPECT_EQ(bench.bench.daemon("step 9").size(), 2u) << "no more than there are";
+    EXPECT_EQ(bench.bench.daemonStatus("axes"), "0 0 0 0 0 0") << "a record that is over leaves the cap at rest";
+    EXPECT_EQ(bench.bench.askDaemon("step").error, "no record is played stepwise, or it is over");
+
+    ASSERT_EQ(next().event, kEventSettingsChanged1);
+    bench.bench.daemon("replay record.txt");
+    EXPECT_EQ(next().event, kEventSettingsChanged1);
+    EXPECT_EQ(next().event, 0x20017);
+    EXPECT_TRUE(waitFor([&] { return bench.bench.daemonStatus("replayed") == "7/7"; }));
+
+    file("bad.txt", "0 axes 0 0 0 0 0 0\n5 die\n");
+    EXPECT_EQ(bench.bench.askDaemon("replay bad.txt").error, "bad.txt:2: \"die\" is nothing that a record holds");
+    file("back.txt", "5 axes 0 0 0 0 0 0\n4 axes 1 0 0 0 0 0\n");
+    EXPECT_EQ(bench.bench.askDaemon("replay back.txt").error, "back.txt:2: \"4\" is not in 5 .. 86400000");
+    EXPECT_EQ(bench.bench.askDaemon("record missing/record.txt").error, "cannot write \"missing/record.txt\"");
 }
 
 TEST_F(Daemon, BadCommandsAreRefusedWithAReason) {
@@ -172,6 +273,41 @@ TEST(DaemonProgram, PlaysAScript) {
     const std::string output = bench.bench.daemonOutput();
     EXPECT_NE(output.find("script.txt:3: unknown command \"nonsense\""), std::string::npos) << output;
     EXPECT_NE(output.find("script.txt:5: \"-1\" is not in 0 .. 3600000"), std::string::npos) << output;
+}
+
+// The same commands from a command line, with an exit code for scripts.
+TEST(ControlProgram, SteersByArgumentsAndByScript) {
+    Workbench bench;
+    bench.startDaemon();
+    writeTextFile(bench.folder() / "good.txt", "# push\naxes 0 0 50 0 0 0\r\n\nwait 1\nstatus\n");
+    writeTextFile(bench.folder() / "bad.txt", "axes 1 0 0 0 0 0\njump\naxes 2 0 0 0 0 0\n");
+    const std::filesystem::path program = buildFolder() / "workbench" / "obk_ctl.exe";
+    const struct {
+        const char* arguments;
+        DWORD exitCode;
+        const char* output;
+    } cases[] = {
+        {"daemon axes 0 0 30 0 0 0", 0, ""},
+        {"daemon status", 0, "axes=0 0 30 0 0 0"},
+        {"daemon jump", 1, "obk_ctl: unknown command \"jump\""},
+        {"daemon bind \"no such file\" Creo.mnu", 1, "cannot read"},
+        {"daemon help", 0, "take-back on|off"},
+        {"daemon - < good.txt", 0, "axes=0 0 50 0 0 0"},
+        {"daemon - < bad.txt", 1, "line 2: unknown command \"jump\""},
+        {"daemon status", 0, "axes=1 0 0 0 0 0"},
+        {"host status", 3, "there is no host"},
+        {"nobody status", 2, "usage: obk_ctl"},
+        {"daemon", 2, "say what to command"},
+    };
+    for (const auto& [arguments, exitCode, output] : cases) {
+        SCOPED_TRACE(arguments);
+        // By a shell of its own, which hands the file over.
+        writeTextFile(bench.folder() / "run.bat", '"' + program.string() + "\" " + arguments + "\r\n");
+        const std::filesystem::path file = bench.folder() / "output.txt";
+        const Process process = bench.start(std::getenv("COMSPEC"), {"/c", "run.bat"}, file);
+        EXPECT_EQ(process.waitForExit(kPatienceMs), exitCode);
+        EXPECT_NE(readTextFile(file).find(output), std::string::npos) << readTextFile(file);
+    }
 }
 
 TEST(DaemonProgram, EndsWithItsParent) {

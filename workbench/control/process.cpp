@@ -4,6 +4,8 @@
 #include <cctype>
 #include <stdexcept>
 
+#include "workbench/pipes/text.h"
+
 namespace workbench {
 namespace {
 
@@ -13,10 +15,6 @@ constexpr DWORD kKillWaitMs = 10000;
 [[noreturn]] void fail(const std::string& what) {
     throw std::runtime_error(what + ", error " + std::to_string(GetLastError()));
 }
-
-// The texts of this folder are UTF-8; the system's are UTF-16.
-std::wstring wide(const std::string& text) { return std::filesystem::path(std::u8string(text.begin(), text.end())); }
-std::string utf8(const wchar_t* text) { return std::filesystem::path(text).string(); }
 
 struct WindowSearch {
     DWORD process;
@@ -58,7 +56,7 @@ std::wstring environmentBlock(const Environment& changes) {
     std::map<std::string, std::string, decltype(&isLessNoCase)> variables(&isLessNoCase);
     wchar_t* const own = GetEnvironmentStringsW();
     for (const wchar_t* entry = own; *entry != L'\0'; entry += std::wstring_view(entry).size() + 1) {
-        const std::string text = utf8(entry);
+        const std::string text = utf8Text(entry);
         const std::size_t equals = text.find('=', 1);  // drive entries begin with "="
         if (equals != std::string::npos) variables[text.substr(0, equals)] = text.substr(equals + 1);
     }
@@ -71,7 +69,7 @@ std::wstring environmentBlock(const Environment& changes) {
         }
     }
     std::wstring block;
-    for (const auto& [name, value] : variables) block += wide(name + '=' + value) + L'\0';
+    for (const auto& [name, value] : variables) block += wideText(name + '=' + value) + L'\0';
     return block + L'\0';
 }
 
@@ -91,17 +89,17 @@ Handle openOutput(const std::filesystem::path& path) {
     const std::wstring name = path.empty() ? L"NUL" : path.wstring();
     Handle file(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                             &inheritable, path.empty() ? OPEN_EXISTING : CREATE_ALWAYS, 0, nullptr));
-    if (!file) fail("cannot write " + path.string());
+    if (!file) fail("cannot write " + textOf(path));
     return file;
 }
 
 }  // namespace
 
 Process::Process(const ProcessOptions& options) : mJob(makeJob()) {
-    std::string command = quoted(options.program.string());
+    std::string command = quoted(textOf(options.program));
     for (const std::string& argument : options.arguments) command += ' ' + quoted(argument);
     if (!options.lastArgument.empty()) command += ' ' + options.lastArgument;
-    std::wstring commandLine = wide(command);
+    std::wstring commandLine = wideText(command);
     std::wstring environment = environmentBlock(options.environment);
     const Handle output = openOutput(options.outputFile);
 
@@ -115,7 +113,7 @@ Process::Process(const ProcessOptions& options) : mJob(makeJob()) {
     if (!CreateProcessW(options.program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
                         CREATE_SUSPENDED | CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, environment.data(),
                         options.folder.empty() ? nullptr : options.folder.c_str(), &start, &made)) {
-        fail("cannot start " + options.program.string());
+        fail("cannot start " + textOf(options.program));
     }
     mProcess.reset(made.hProcess);
     mId = made.dwProcessId;

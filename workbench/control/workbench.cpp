@@ -1,9 +1,12 @@
 #include "workbench/control/workbench.h"
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+
+#include "workbench/pipes/text.h"
 
 namespace workbench {
 namespace {
@@ -46,13 +49,12 @@ void writeTextFile(const std::filesystem::path& file, const std::string& text) {
 }
 
 std::filesystem::path buildFolder() {
-    char program[MAX_PATH];
-    GetModuleFileNameA(nullptr, program, MAX_PATH);
-    for (std::filesystem::path folder = std::filesystem::path(program).parent_path();; folder = folder.parent_path()) {
+    const std::filesystem::path program = programFile();
+    for (std::filesystem::path folder = program.parent_path();; folder = folder.parent_path()) {
         if (std::filesystem::exists(folder / "workbench" / "obk_daemon.exe")) return folder;
         if (folder == folder.parent_path()) break;
     }
-    throw std::runtime_error(std::string("no workbench in the folders above ") + program);
+    throw std::runtime_error("no workbench in the folders above " + textOf(program));
 }
 
 Workbench::Workbench(const WorkbenchOptions& options)
@@ -60,6 +62,7 @@ Workbench::Workbench(const WorkbenchOptions& options)
       mBuild(buildFolder()),
       mLoadPoint(options.loadPoint.empty() ? mBuild / "workbench" / "creo" : options.loadPoint),
       mFolder(std::filesystem::temp_directory_path() / ("orbikon_" + mInstance)),
+      mProfile(options.profile.empty() ? mFolder / "profile" : options.profile),
       mIsFolderKept(options.isFolderKept) {
     std::filesystem::create_directories(profile());
     std::filesystem::create_directories(temp());
@@ -78,8 +81,11 @@ Workbench::~Workbench() {
 void Workbench::writeRegistry(const WorkbenchOptions& options) const {
     const std::filesystem::path plugin = options.plugin.empty() ? mBuild / "orbikon_creo.dll" : options.plugin;
     const std::filesystem::path textDir = options.textDir.empty() ? mBuild : options.textDir;
+    const std::string paths = "exec_file " + textOf(plugin) + "\ntext_dir " + textOf(textDir);
+    // Without a mark the host takes the system's own encoding.
+    const bool isAscii = std::ranges::all_of(paths, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     writeTextFile(mFolder / "protk.dat",
-                  "name orbikon_creo\nstartup dll\nexec_file " + plugin.string() + "\ntext_dir " + textDir.string() +
+                  (isAscii ? "" : "\xEF\xBB\xBF") + ("name orbikon_creo\nstartup dll\n" + paths) +
                       "\nfail_tol TRUE\nallow_stop true\ndelay_start false\nunicode_encoding false\nend\n");
 }
 
@@ -98,9 +104,9 @@ Process Workbench::start(const std::filesystem::path& program, const std::vector
                            .outputFile = outputFile};
     // What the caller sets wins over the workbench's own.
     options.environment.merge(Environment{{kInstanceVariable, mInstance},
-                                          {"USERPROFILE", profile().string()},
-                                          {"TEMP", temp().string()},
-                                          {"TMP", temp().string()}});
+                                          {"USERPROFILE", textOf(profile())},
+                                          {"TEMP", textOf(temp())},
+                                          {"TMP", textOf(temp())}});
     return Process(options);
 }
 

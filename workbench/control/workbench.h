@@ -40,6 +40,7 @@ struct WorkbenchOptions {
     std::filesystem::path textDir{};        // folder that holds "text"; empty = the build folder
     std::filesystem::path loadPoint{};      // the host's; empty = workbench\\creo in the build folder
     bool isRegistered = true;               // false: no registration file in the host's current directory
+    std::filesystem::path profile{};        // kept, and used again next time; empty = one that goes with the workbench
     bool isFolderKept = false;              // leaves the folder behind, to be looked at
 };
 
@@ -52,11 +53,11 @@ class Workbench {
 
     // ---- places ----
 
-    const std::string& instance() const { return mInstance; }        // value of ORBIKON_WORKBENCH of the processes
-    std::string pipe(std::string_view role) const;                   // name of a pipe of this workbench
-    const std::filesystem::path& folder() const { return mFolder; }  // the host's current directory
-    std::filesystem::path profile() const { return mFolder / "profile"; }  // USERPROFILE of the processes
-    std::filesystem::path temp() const { return mFolder / "temp"; }        // TEMP and TMP of the processes
+    const std::string& instance() const { return mInstance; }          // value of ORBIKON_WORKBENCH of the processes
+    std::string pipe(std::string_view role) const;                     // name of a pipe of this workbench
+    const std::filesystem::path& folder() const { return mFolder; }    // the host's current directory
+    const std::filesystem::path& profile() const { return mProfile; }  // USERPROFILE of the processes
+    std::filesystem::path temp() const { return mFolder / "temp"; }    // TEMP and TMP of the processes
     std::filesystem::path settingsFolder() const;
     std::filesystem::path settingsFile() const { return settingsFolder() / "Creo_plugin.ini"; }
     std::filesystem::path menuFile() const { return settingsFolder() / "Creo.mnu"; }
@@ -111,6 +112,7 @@ class Workbench {
     std::filesystem::path mBuild;
     std::filesystem::path mLoadPoint;
     std::filesystem::path mFolder;
+    std::filesystem::path mProfile;
     bool mIsFolderKept;
     std::optional<Process> mDaemon;
     std::optional<Process> mHost;

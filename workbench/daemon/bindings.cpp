@@ -5,14 +5,12 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "workbench/pipes/numbers.h"
+#include "workbench/pipes/text.h"
 
 namespace workbench {
 namespace {
 
-constexpr int kMaxButton = 999;
 constexpr std::string_view kMenuSection = "[MenuBar]";
-constexpr std::string_view kDefaultMode = "Default";
 constexpr std::string_view kBlanks = " \t\r";
 
 std::string_view trim(std::string_view text) {
@@ -22,7 +20,7 @@ std::string_view trim(std::string_view text) {
 }
 
 std::ifstream openText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(pathOf(path), std::ios::binary);
     if (!file) throw std::runtime_error("cannot read \"" + path + '"');
     return file;
 }
@@ -61,48 +59,50 @@ std::vector<std::string> readMenuFunctions(const std::string& menuFile) {
     return functions;
 }
 
-void Bindings::load(const std::string& bindFile, const std::string& menuFile) {
-    const std::vector<std::string> functions = readMenuFunctions(menuFile);
-    std::ifstream file = openText(bindFile);
-    std::map<std::string, Buttons> modes;
-    Buttons* buttons = nullptr;
-    std::string unknown;
-    std::string text;
-    for (int number = 1; std::getline(file, text); ++number) {
-        const std::string_view line = trim(text);
-        if (line.empty() || line.front() == '#') continue;
-        if (line.front() == '[' && line.back() == ']') {
-            buttons = &modes[std::string(trim(line.substr(1, line.size() - 2)))];
-            continue;
+void Bindings::load(const std::string& bindFile, const std::string& menuFile, UnknownCommands unknown) {
+    std::map<std::string, int> indices;
+    int index = 0;
+    for (const std::string& command : readMenuFunctions(menuFile)) indices.emplace(command, index++);
+    BindFile file = readBindFile(pathOf(bindFile));
+    std::string missing;
+    for (const auto& [mode, buttons] : file.modes) {
+        for (const auto& [button, command] : buttons) {
+            if (!indices.contains(command)) missing += (missing.empty() ? "" : ", ") + command;
         }
-        const std::size_t equals = line.find('=');
-        const std::string place = bindFile + ':' + std::to_string(number) + ": ";
-        if (equals == std::string_view::npos) throw std::runtime_error(place + "neither [Mode] nor button = command");
-        if (buttons == nullptr) throw std::runtime_error(place + "a binding before the first [Mode]");
-        const auto button = static_cast<int>(parseNumber(trim(line.substr(0, equals)), 1, kMaxButton));
-        const std::string_view command = trim(line.substr(equals + 1));
-        const auto found = std::ranges::find(functions, command);
-        if (found == functions.end()) unknown += (unknown.empty() ? "" : ", ") + std::string(command);
-        (*buttons)[button] = static_cast<int>(found - functions.begin());
     }
-    if (!unknown.empty()) throw std::runtime_error("not in \"" + menuFile + "\": " + unknown);
-    mModes = std::move(modes);
+    if (!missing.empty() && unknown == UnknownCommands::refused) {
+        throw std::runtime_error("not in \"" + menuFile + "\": " + missing);
+    }
+    mFile = std::move(file);
+    mIndices = std::move(indices);
+    mMenuFile = menuFile;
 }
 
 int Bindings::functionIndex(const std::string& mode, int button) const {
-    for (const std::string& candidate : {mode, std::string(kDefaultMode)}) {
-        const auto buttons = mModes.find(candidate);
-        if (buttons == mModes.end()) continue;
-        const auto found = buttons->second.find(button);
-        if (found != buttons->second.end()) return found->second;
-    }
-    throw std::runtime_error("button " + std::to_string(button) + " is not bound in mode \"" + mode + '"');
+    const std::string* command = mFile.find(mode, button);
+    const std::string name = "button " + std::to_string(button);
+    if (command == nullptr) throw std::runtime_error(name + " is not bound in mode \"" + mode + '"');
+    const auto found = mIndices.find(*command);
+    if (found != mIndices.end()) return found->second;
+    throw std::runtime_error(name + " is bound to " + *command + ", which is not in \"" + mMenuFile + '"');
 }
 
 std::size_t Bindings::count() const {
     std::size_t count = 0;
-    for (const auto& [mode, buttons] : mModes) count += buttons.size();
+    for (const auto& [mode, buttons] : mFile.modes) count += buttons.size();
     return count;
+}
+
+std::vector<std::string> Bindings::lines() const {
+    std::vector<std::string> lines;
+    for (const auto& [mode, buttons] : mFile.modes) {
+        for (const auto& [button, command] : buttons) {
+            const auto found = mIndices.find(command);
+            const int index = found == mIndices.end() ? -1 : found->second;
+            lines.push_back(mode + '|' + std::to_string(button) + '|' + command + '|' + std::to_string(index));
+        }
+    }
+    return lines;
 }
 
 }  // namespace workbench

@@ -1,13 +1,11 @@
-// What the device's control panel keeps: which button runs which command in which mode.
-//
-// A bind file is text. "[Mode]" begins the bindings of a mode ("[Default]" holds for modes that do not bind the
-// button), "button = command" binds a button, counted from 1. A command is written as in the menu file, for example
-// "ProCmdEnvMdlDisp*Wireframe" or "OB_Toggle_Object_Move_Mode". Empty lines and lines that begin with "#" are skipped.
+// The buttons of the device, bound to commands of a menu file.
 #pragma once
 
 #include <map>
 #include <string>
 #include <vector>
+
+#include "workbench/bindings/bind_file.h"
 
 namespace workbench {
 
@@ -16,21 +14,27 @@ namespace workbench {
 // section.
 std::vector<std::string> readMenuFunctions(const std::string& menuFile);
 
+enum class UnknownCommands { refused, kept };
+
 class Bindings {
   public:
     // Replaces the bindings by those of the file, with each command looked up in the menu file. Throws
     // std::runtime_error, and changes nothing, when a file cannot be read, a line cannot be understood, or commands
-    // are not in the menu file (all of them are named).
-    void load(const std::string& bindFile, const std::string& menuFile);
+    // are not in the menu file (all of them are named). Commands that are kept although the menu file has them no
+    // more can be bound, not pressed.
+    void load(const std::string& bindFile, const std::string& menuFile, UnknownCommands unknown);
 
-    // Function index of a button in a mode. Throws std::runtime_error when it is not bound there.
+    // Function index of a button in a mode. Throws std::runtime_error when it is not bound there, or to a command that
+    // is not in the menu file.
     int functionIndex(const std::string& mode, int button) const;
 
     std::size_t count() const;
+    std::vector<std::string> lines() const;  // "mode|button|command|function index", -1 = not in the menu file
 
   private:
-    using Buttons = std::map<int, int>;  // function index by button
-    std::map<std::string, Buttons> mModes;
+    BindFile mFile;
+    std::map<std::string, int> mIndices;  // by command; the first counts
+    std::string mMenuFile;
 };
 
 }  // namespace workbench

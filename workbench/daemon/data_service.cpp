@@ -83,7 +83,7 @@ std::string setDllLogFlags(Device& device, const Arguments& arguments) {
 }
 
 std::string setAppMode(Device& device, const Arguments& arguments) {
-    device.reportMode({.application = arguments.text(1), .mode = arguments.text(2)});
+    device.reportMode(arguments.number(0), {.application = arguments.text(1), .mode = arguments.text(2)});
     return {};
 }
 

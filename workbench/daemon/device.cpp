@@ -33,7 +33,9 @@ int Device::connect(std::uint32_t processId, const std::string& application) {
     forgetEnded();
     mApplication = application;
     ++mConnects;
-    mSessions[mNextSession].process = std::move(process);
+    Session& session = mSessions[mNextSession];
+    session.process = std::move(process);
+    session.application = {.processId = processId, .name = application, .mode = {}};
     return mNextSession++;
 }
 
@@ -99,8 +101,9 @@ void Device::setDllLog(const std::string& flags) {
     mDllLog = flags;
 }
 
-void Device::reportMode(const ModeReport& report) {
+void Device::reportMode(int session, const ModeReport& report) {
     const std::lock_guard lock(mMutex);
+    findSession(session)->second.application.mode = report.mode;
     mModes.push_back(report);
 }
 
@@ -125,30 +128,35 @@ std::string Device::refusedCalls() const {
 void Device::setAxes(const Axes& axes) {
     const std::lock_guard lock(mMutex);
     mAxes = axes;
+    tell("axes " + joinNumbers(axes));
     mChanged.notify_all();
 }
 
 void Device::setExtras(const Extras& extras) {
     const std::lock_guard lock(mMutex);
     mExtras = extras;
+    tell("extras " + joinNumbers(extras));
 }
 
 void Device::pushEvent(const Event& event) {
     const std::lock_guard lock(mMutex);
     forgetEnded();
     if (mSessions.empty()) throw std::runtime_error("no application is connected");
+    tell("event " + std::to_string(event.code) + (event.isFailing ? " failing" : ""));
     queueEvent(event);
 }
 
 void Device::setAdvancedSettings(const AdvancedSettings& settings) {
     const std::lock_guard lock(mMutex);
     mSettings = settings;
+    tell("settings " + std::to_string(settings.rotationMode) + ' ' + std::to_string(settings.contextFlag));
     queueEvent({.code = kEventSettingsChanged1, .isFailing = false});
 }
 
 void Device::setDeviceCount(int count) {
     const std::lock_guard lock(mMutex);
     mDeviceCount = count;
+    tell("devices " + std::to_string(count));
 }
 
 void Device::setFaults(const std::string& verb, const Faults::Words& words) {
@@ -180,6 +188,24 @@ std::int32_t Device::legacy() {
 Axes Device::legacyAxes() {
     const std::lock_guard lock(mMutex);
     return mLegacy == 1 ? mAxes : Axes{};
+}
+
+std::int32_t Device::ownLegacy() {
+    const std::lock_guard lock(mMutex);
+    return mLegacyOwn;
+}
+
+Axes Device::axes() {
+    const std::lock_guard lock(mMutex);
+    return mAxes;
+}
+
+std::vector<Application> Device::applications() {
+    const std::lock_guard lock(mMutex);
+    forgetEnded();
+    std::vector<Application> all;
+    for (const auto& [number, session] : mSessions) all.push_back(session.application);
+    return all;
 }
 
 std::string Device::currentMode() {
@@ -238,6 +264,10 @@ void Device::forgetEnded() {
     std::erase_if(mSessions, [](const auto& entry) {
         return WaitForSingleObject(entry.second.process.get(), 0) == WAIT_OBJECT_0;
     });
+}
+
+void Device::tell(const std::string& command) const {
+    if (mTold) mTold(command);
 }
 
 void Device::queueEvent(const Event& event) {

@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -48,6 +49,13 @@ struct ModeReport {
     std::string mode;
 };
 
+// A connected application.
+struct Application {
+    std::uint32_t processId = 0;
+    std::string name;
+    std::string mode;  // empty = it has told none
+};
+
 class Device {
   public:
     Device();
@@ -63,11 +71,15 @@ class Device {
     void setLegacy(std::int32_t value);     // LegacyCOM1: whether the host's own device support gets the motion
     void setOwnLegacy(std::int32_t value);  // the same, by whoever owns the device
     void setDllLog(const std::string& flags);
-    void reportMode(const ModeReport& report);
+    void reportMode(int session, const ModeReport& report);
     // Counts a call of the operation, and answers what it is to suffer. Reads that are held do not count.
     CallFault countCall(Operation operation);
 
     // ---- for the control commands ----
+
+    // Is told, as control commands and in their order, what changes for applications. Called with the device locked;
+    // it must not call back. To be set before anything else happens.
+    void setListener(std::function<void(const std::string& command)> listener) { mTold = std::move(listener); }
 
     void setAxes(const Axes& axes);
     void setExtras(const Extras& extras);
@@ -83,7 +95,10 @@ class Device {
     int deviceCount();
     std::int32_t legacy();
     Axes legacyAxes();  // what the legacy channel carries: zeros while it is off
+    std::int32_t ownLegacy();
+    Axes axes();
     std::string currentMode();
+    std::vector<Application> applications();
     std::vector<ModeReport> modeReports();
     int clientCount();
     std::vector<std::string> status();  // lines "key=value"
@@ -93,6 +108,7 @@ class Device {
 
     struct Session {
         Handle process;  // signalled when the application ended without a farewell
+        Application application;
         std::deque<Event> events;
         Axes delivered{};              // axes of the last read
         Clock::time_point nextMotion;  // no motion is delivered before
@@ -107,6 +123,7 @@ class Device {
     std::string refusedCalls() const;
     void forgetEnded();
     void queueEvent(const Event& event);
+    void tell(const std::string& command) const;
 
     std::mutex mMutex;  // guards everything below
     std::condition_variable mChanged;
@@ -124,6 +141,7 @@ class Device {
     std::string mDllLog;
     std::vector<ModeReport> mModes;
     Faults mFaults;
+    std::function<void(const std::string&)> mTold;
 };
 
 }  // namespace workbench

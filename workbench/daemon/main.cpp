@@ -3,15 +3,18 @@
 
 #include <generated/version.h>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "workbench/daemon/control.h"
 #include "workbench/daemon/data_service.h"
 #include "workbench/daemon/script.h"
 #include "workbench/pipes/numbers.h"
+#include "workbench/pipes/text.h"
 
 namespace {
 
@@ -33,22 +36,22 @@ struct Options {
     bool isVersionWanted = false;
 };
 
-Options parseOptions(int count, char** words) {
+Options parseOptions(const std::vector<std::string>& words) {
     Options options;
-    for (int i = 1; i < count; ++i) {
-        const std::string_view word = words[i];
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string& word = words[i];
         if (word == "--help") {
             options.isHelpWanted = true;
         } else if (word == "--version") {
             options.isVersionWanted = true;
-        } else if (i + 1 == count) {
-            throw std::runtime_error("unknown option, or one without its value: " + std::string(word));
+        } else if (i + 1 == words.size()) {
+            throw std::runtime_error("unknown option, or one without its value: " + word);
         } else if (word == "--script") {
             options.script = words[++i];
         } else if (word == "--parent") {
             options.parent = static_cast<DWORD>(parseNumber(words[++i], 1, MAXDWORD));
         } else {
-            throw std::runtime_error("unknown option " + std::string(word));
+            throw std::runtime_error("unknown option " + word);
         }
     }
     return options;
@@ -94,7 +97,10 @@ int serve(const Options& options) {
     const std::string controlPipe = pipeName(kControlRole);
     {
         const LineServer data(dataPipe, [&device](const std::string& line) { return answerDriver(device, line); });
-        const LineServer steering(controlPipe, [&control](const std::string& line) { return control.run(line); });
+        const LineServer steering(controlPipe, LineServer::HandlerMaker([&control] {
+                                      auto connection = std::make_shared<ControlConnection>(control);
+                                      return [connection](const std::string& line) { return connection->run(line); };
+                                  }));
         std::cout << "obk_daemon is ready: " << dataPipe << ' ' << controlPipe << std::endl;
 
         if (!options.script.empty()) isScriptDone = playScript(options.script, control, device, stopEvent());
@@ -106,10 +112,10 @@ int serve(const Options& options) {
 
 }  // namespace
 
-int main(int count, char** words) {
+int main() {
     Options options;
     try {
-        options = parseOptions(count, words);
+        options = parseOptions(commandLineArguments());
     } catch (const std::exception& failure) {
         std::cerr << "obk_daemon: " << failure.what() << '\n' << kUsage;
         return kExitUsage;

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "workbench/pipes/numbers.h"
+#include "workbench/pipes/text.h"
 
 namespace workbench {
 namespace {
@@ -45,7 +46,7 @@ void playLine(const std::string& line, Control& control, Device& device, HANDLE 
 }  // namespace
 
 bool playScript(const std::string& path, Control& control, Device& device, HANDLE stop) {
-    std::ifstream file(path);
+    std::ifstream file(pathOf(path));
     if (!file) {
         std::cerr << "cannot read \"" << path << "\"\n";
         return false;

@@ -28,6 +28,7 @@
 #include "workbench/host/toolkit/plugins.h"
 #include "workbench/host/toolkit/system_calls.h"
 #include "workbench/host/windows/frame.h"
+#include "workbench/host/windows/menu_bar.h"
 #include "workbench/host/windows/ui_loop.h"
 
 using namespace workbench;
@@ -124,6 +125,27 @@ void connectRooms() {
                         [] { frame().showAccessory(); }, notifyModelOpened});
 }
 
+// The check items of the plug-in's menu that are on: nothing else in the window tells a person that a mode is on.
+std::string modesThatAreOn() {
+    std::string text;
+    for (const Menu& menu : menuBar().menus()) {
+        for (const MenuItem& item : menu.items) {
+            const Command* command = menu.isOfPlugin ? commands().find(item.command) : nullptr;
+            if (command != nullptr && isChecked(*command)) text += (text.empty() ? "on: " : ", ") + item.label;
+        }
+    }
+    return text;
+}
+
+void CALLBACK showModes(HWND, UINT, UINT_PTR, DWORD) { frame().showState(modesThatAreOn()); }
+
+// For somebody who sits before the window; a test's host asks the plug-in nothing by itself.
+void helpPeople() {
+    constexpr UINT LOOK_MS = 300;
+    frame().showHint(std::string("Cap keys: ") + CAP_KEYS);
+    SetTimer(nullptr, 0, LOOK_MS, showModes);
+}
+
 int run(const Options& options) {
     guardAgainstCrashes();
     creoVariant() = options.creo;
@@ -149,8 +171,7 @@ int run(const Options& options) {
         // A person's model is opened when the applications run; here it was there before them.
         if (isStarted && options.isInteractive) notifyModelOpened();
     }
-    // Last, so that no message of the start hides it.
-    if (options.isInteractive) host().message(std::string("Cap keys: ") + CAP_KEYS);
+    if (options.isInteractive) helpPeople();
     if (!isStarted && options.requiresPlugin) postToUi([] { quitUiLoop(EXIT_NO_PLUGIN); });
     const int exitCode = runUiLoop();
     plugins().unload();

@@ -91,7 +91,7 @@ struct LineServer::Impl {
     };
 
     std::string name;
-    Handler handler;
+    HandlerMaker makeHandler;
     Handle mark;
     Handle stop = makeEvent();
     std::list<Client> clients;  // belongs to the acceptor while that runs
@@ -100,15 +100,18 @@ struct LineServer::Impl {
     void accept(Handle instance);
     void welcome(Handle instance);
     void serve(Client& client);
-    Reply answer(const std::string& request);
+    static Reply answer(const Handler& handler, const std::string& request);
     bool isStopping() const { return WaitForSingleObject(stop.get(), 0) == WAIT_OBJECT_0; }
     bool send(HANDLE pipe, const Reply& reply);
     void removeFinished();
 };
 
-LineServer::LineServer(std::string name, Handler handler) : mImpl(std::make_unique<Impl>()) {
+LineServer::LineServer(std::string name, Handler handler)
+    : LineServer(std::move(name), HandlerMaker([handler = std::move(handler)] { return handler; })) {}
+
+LineServer::LineServer(std::string name, HandlerMaker makeHandler) : mImpl(std::make_unique<Impl>()) {
     mImpl->name = std::move(name);
-    mImpl->handler = std::move(handler);
+    mImpl->makeHandler = std::move(makeHandler);
     mImpl->mark = claim(mImpl->name);
     Handle first = createInstance(mImpl->name);
     if (!first) throw std::runtime_error(mImpl->name + " cannot be created, error " + std::to_string(GetLastError()));
@@ -163,20 +166,23 @@ void LineServer::Impl::removeFinished() {
 }
 
 void LineServer::Impl::serve(Client& client) {
+    Handler handler = makeHandler();
     std::string received;
     std::string request;
     bool isConnected = true;
     // A client that asks without a pause must not hide the stop.
     while (isConnected && !isStopping() &&
            readSome(client.pipe.get(), received, stop.get(), INFINITE) == Transfer::done) {
-        while (isConnected && takeLine(received, request)) isConnected = send(client.pipe.get(), answer(request));
+        while (isConnected && takeLine(received, request))
+            isConnected = send(client.pipe.get(), answer(handler, request));
         if (received.size() > kMaxRequest) isConnected = false;
     }
     client.pipe.reset();
+    handler = nullptr;
     client.isDone = true;
 }
 
-Reply LineServer::Impl::answer(const std::string& request) {
+Reply LineServer::Impl::answer(const Handler& handler, const std::string& request) {
     try {
         return handler(request);
     } catch (const std::exception& failure) {

@@ -28,9 +28,14 @@ class LineServer {
   public:
     using Handler = std::function<Reply(const std::string& request)>;
 
+    // Makes the handler of one client when it connects; the handler is destroyed when the client has gone, in whatever
+    // way. Both on the client's thread.
+    using HandlerMaker = std::function<Handler()>;
+
     // Creates the pipe and starts to serve. Throws std::runtime_error when the pipe cannot be created (for example
     // because another program serves it).
     LineServer(std::string name, Handler handler);
+    LineServer(std::string name, HandlerMaker makeHandler);
     ~LineServer();  // stops serving, closes all clients, waits for the threads
     LineServer(const LineServer&) = delete;
     LineServer& operator=(const LineServer&) = delete;

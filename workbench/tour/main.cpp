@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include <generated/build_commit.h>
+#include "workbench/pipes/text.h"
 #include "workbench/tour/options.h"
 #include "workbench/tour/scenes.h"
 
@@ -80,13 +81,43 @@ int playTour(const TourOptions& options) {
     return record.failedSteps() == 0 ? 0 : kExitFailed;
 }
 
-int playInteractively() {
-    Workbench bench;
+// What the panel's buttons do until somebody binds them otherwise.
+constexpr const char* kSampleBindings =
+    "# Made by ./run --interactive\n[Default]\n1 = OB_Toggle_Scroll_Mode\n2 = ProCmdEnvMdlDisp*Wireframe\n"
+    "3 = ProCmdEnvMdlDisp*Shading\n4 = ProCmdViewRefit\n5 = ProCmdEditUndo\n"
+    "[Assembly]\n1 = OB_Toggle_Object_Move_Mode\n";
+constexpr const char* kWhatToTry =
+    "Try this:\n"
+    "  1. Drag the panel's cap: the view moves. With the right button it turns; the side handle is the third axis.\n"
+    "  2. Select components in the host (Ctrl adds), press the panel's button 1, and drag: they move.\n"
+    "  3. Press button 2 for a wireframe, 3 for shading, 5 to undo; keys 1 to 9 press buttons, too.\n"
+    "  4. On the page \"Bindings\" search for a command, double-click it, and press the button that was chosen.\n"
+    "  5. On the page \"Device\" let the daemon die and return; close the host's window to end.\n";
+
+// The host at the left of the screen, the panel at its right.
+std::string panelPlace(const RECT& work) {
+    const long width = std::max(520L, (work.right - work.left) * 9 / 20);
+    const long height = std::min(work.bottom - work.top, 900L);
+    return std::to_string(work.right - width) + ',' + std::to_string(work.top) + ',' + std::to_string(width) + ',' +
+           std::to_string(height);
+}
+
+int playInteractively(const std::filesystem::path& profile) {
+    Workbench bench({.settings = {}, .menuFile = {}, .plugin = {}, .textDir = {}, .loadPoint = {}, .profile = profile});
+    const std::filesystem::path bindings = bench.settingsFolder() / "Creo_buttons.txt";
+    if (!std::filesystem::exists(bindings)) writeTextFile(bindings, kSampleBindings);
     bench.startDaemon();
     bench.startHost({"--interactive"}, kHostEnvironment);
-    std::cout << "Close the host's window to end. Its message line names the keys that push the cap.\nThe plug-in's "
-                 "settings and log are in "
-              << bench.profile().string() << " until then." << std::endl;
+    RECT work{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    const std::string place = panelPlace(work);
+    const long hostWidth = std::max(640L, std::stol(place) - work.left);
+    bench.host("place 0 0 " + std::to_string(hostWidth) + ' ' + std::to_string(std::min(work.bottom - work.top, 900L)));
+    const Process panel = bench.start(buildFolder() / "workbench" / "obk_panel.exe", {"--place", place},
+                                      bench.folder() / "panel_output.txt");
+    std::cout << kWhatToTry << "The user's folder" << (profile.empty() ? " (it goes when this ends)" : "") << ": "
+              << shellPath(bench.profile()) << "\nThe plug-in's log: " << shellPath(bench.logFile())
+              << "\nThis workbench's name, for obk_ctl: ORBIKON_WORKBENCH=" << bench.instance() << std::endl;
     while (!bench.waitForHostExit()) {
     }
     return 0;
@@ -98,10 +129,10 @@ void listScenes() {
 
 }  // namespace
 
-int main(int count, char** words) {
+int main() {
     TourOptions options;
     try {
-        options = parseOptions({words + 1, words + count});
+        options = parseOptions(commandLineArguments());
     } catch (const std::exception& failure) {
         std::cerr << "tour: " << failure.what() << '\n' << kUsage;
         return kExitUsage;
@@ -114,7 +145,7 @@ int main(int count, char** words) {
         } else if (options.isListWanted) {
             listScenes();
         } else {
-            return options.isInteractive ? playInteractively() : playTour(options);
+            return options.isInteractive ? playInteractively(options.profile) : playTour(options);
         }
         return 0;
     } catch (const std::exception& failure) {

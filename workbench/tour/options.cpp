@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "workbench/pipes/text.h"
 #include "workbench/tour/scenes.h"
 
 namespace workbench {
@@ -19,12 +20,6 @@ constexpr Flag kFlags[] = {
     {"--help", &TourOptions::isHelpWanted},
 };
 
-// Wine shows the Unix file system as drive Z.
-std::filesystem::path folderNamed(const std::string& text) {
-    const bool isUnixPath = text.starts_with('/') && GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version");
-    return isUnixPath ? "Z:" + text : text;
-}
-
 }  // namespace
 
 TourOptions parseOptions(const std::vector<std::string>& arguments) {
@@ -36,10 +31,13 @@ TourOptions parseOptions(const std::vector<std::string>& arguments) {
             options.*flag->field = true;
             continue;
         }
-        if (word != "--out" && word != "--only") throw std::runtime_error("unknown option " + word);
+        if (word != "--out" && word != "--only" && word != "--profile")
+            throw std::runtime_error("unknown option " + word);
         if (++i == arguments.size()) throw std::runtime_error(word + " needs a value");
         if (word == "--out") {
-            options.out = folderNamed(arguments[i]);
+            options.out = hostPath(arguments[i]);
+        } else if (word == "--profile") {
+            options.profile = hostPath(arguments[i]);
         } else if (std::ranges::find(scenes(), arguments[i], &Scene::name) != scenes().end()) {
             options.only.push_back(arguments[i]);
         } else {

@@ -229,6 +229,11 @@ std::vector<ControlCommand> actionCommands() {
         {"panel",
          [](const Request& request, Lines&) { require(frame().showPanel(request.word(0)), "there is no such panel"); }},
         {"resize", [](const Request& request, Lines&) { frame().resize(request.number(0), request.number(1)); }},
+        {"place",
+         [](const Request& request, Lines&) {
+             frame().resize(request.number(2), request.number(3));
+             frame().move(request.number(0), request.number(1));
+         }},
         {"rebuild", [](const Request&, Lines&) { frame().rebuild(); }},
         {"components",
          [](const Request& request, Lines&) {

@@ -47,6 +47,7 @@ Doing
   front WINDOW                shows a top-level window in front of the others, with the focus
   panel NAME                  shows a panel of the dock: properties library tables results browser palette
   resize WIDTH HEIGHT         of the main window
+  place X Y WIDTH HEIGHT      where the main window is on the screen
   rebuild                     destroys all windows and makes them anew
   components N                replaces the assembly by N small components
   during FUNCTION REQUEST     does the request inside the function's next call, as a toolkit that dispatches does

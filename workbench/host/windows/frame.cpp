@@ -27,6 +27,9 @@ constexpr int TREE_WIDTH = 210;
 constexpr int DOCK_WIDTH = 280;
 constexpr int STRIP_HEIGHT = 28;
 constexpr int MESSAGE_HEIGHT = 22;
+constexpr int STATE_WIDTH = 210;
+constexpr int LEAST_WIDTH = 640;
+constexpr int LEAST_HEIGHT = 420;
 constexpr int GAP = 3;
 
 LRESULT CALLBACK containerProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -74,7 +77,10 @@ void Frame::createChildren() {
     mContainer = makeChild(mWindow, CONTAINER_CLASS, L"", WS_CLIPCHILDREN);
     mGraphics = makeGraphicsWindow(mContainer);
     mDock = makeDock(mWindow);
-    mMessageLine = makeChild(mWindow, WC_STATICW, L"", SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_SUNKEN);
+    constexpr DWORD LINE = SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_SUNKEN | SS_ENDELLIPSIS;
+    mMessageLine = makeChild(mWindow, WC_STATICW, L"", LINE);
+    mStateLine = makeChild(mWindow, WC_STATICW, L"", LINE);
+    mHintLine = makeChild(mWindow, WC_STATICW, utf8ToWide(mHint).c_str(), LINE);
 }
 
 void Frame::rebuild() {
@@ -103,7 +109,8 @@ void Frame::layOut() {
     RECT client;
     GetClientRect(mWindow, &client);
     const int top = STRIP_HEIGHT;
-    const int height = std::max(0L, client.bottom - top - MESSAGE_HEIGHT - GAP);
+    const int hint = mHint.empty() ? 0 : MESSAGE_HEIGHT;
+    const int height = std::max(0L, client.bottom - top - MESSAGE_HEIGHT - hint - GAP);
     const int left = mIsTreeShown ? TREE_WIDTH + GAP : 0;
     const int right = std::max(static_cast<long>(left), client.right - DOCK_WIDTH - GAP);
     place(mToolStrip, 0, 0, client.right, STRIP_HEIGHT);
@@ -111,7 +118,10 @@ void Frame::layOut() {
     ShowWindow(mTree, mIsTreeShown ? SW_SHOW : SW_HIDE);
     place(mContainer, left, top, right - left, height);
     place(mDock, right + GAP, top, DOCK_WIDTH, height);
-    place(mMessageLine, 0, top + height + GAP, client.right, MESSAGE_HEIGHT);
+    const int line = top + height + GAP, state = std::min(STATE_WIDTH, static_cast<int>(client.right) / 2);
+    place(mMessageLine, 0, line, client.right - state, MESSAGE_HEIGHT);
+    place(mStateLine, client.right - state, line, state, MESSAGE_HEIGHT);
+    place(mHintLine, 0, line + MESSAGE_HEIGHT, client.right, hint);
 }
 
 void Frame::updateTitle() {
@@ -150,11 +160,29 @@ void Frame::showMessage(const std::string& text) {
     UpdateWindow(mMessageLine);
 }
 
+void Frame::showState(const std::string& text) {
+    const std::wstring wanted = utf8ToWide(" " + text);
+    wchar_t now[128] = L"";
+    GetWindowTextW(mStateLine, now, 128);
+    if (wanted != now) SetWindowTextW(mStateLine, wanted.c_str());
+}
+
+void Frame::showHint(const std::string& text) {
+    mHint = text.empty() ? text : " " + text;
+    SetWindowTextW(mHintLine, utf8ToWide(mHint).c_str());
+    layOut();
+}
+
+void Frame::move(int x, int y) {
+    SetWindowPos(mWindow, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 std::vector<NamedWindow> Frame::windows() const {
     std::vector<NamedWindow> all{
-        {"main", mWindow}, {"strip", mToolStrip},     {"toolbar", GetWindow(mToolStrip, GW_CHILD)},
-        {"tree", mTree},   {"container", mContainer}, {"graphics", mGraphics},
-        {"dock", mDock},   {"message", mMessageLine}};
+        {"main", mWindow},  {"strip", mToolStrip},     {"toolbar", GetWindow(mToolStrip, GW_CHILD)},
+        {"tree", mTree},    {"container", mContainer}, {"graphics", mGraphics},
+        {"dock", mDock},    {"message", mMessageLine}, {"state", mStateLine},
+        {"hint", mHintLine}};
     for (const auto& more : {dockWindows(), accessoryWindows()}) all.insert(all.end(), more.begin(), more.end());
     return all;
 }
@@ -180,6 +208,9 @@ LRESULT CALLBACK Frame::procedure(HWND window, UINT message, WPARAM wParam, LPAR
     switch (message) {
         case WM_SIZE:
             if (wParam != SIZE_MINIMIZED && self.mMessageLine != nullptr) self.layOut();
+            return 0;
+        case WM_GETMINMAXINFO:
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {LEAST_WIDTH, LEAST_HEIGHT};
             return 0;
         case WM_INITMENUPOPUP:
             menuBar().update(reinterpret_cast<HMENU>(wParam));

@@ -26,7 +26,11 @@ class Frame {
     void showAccessory();
     bool showPanel(const std::string& name);  // false when there is no such panel
     void resize(int width, int height);
+    void move(int x, int y);
     void showMessage(const std::string& text);
+    // At the message line's right, all the time: which of the plug-in's modes are on.
+    void showState(const std::string& text);
+    void showHint(const std::string& text);  // a line of its own below; empty = no such line
 
     HWND window() const { return mWindow; }
     HWND graphics() const { return mGraphics; }
@@ -50,8 +54,11 @@ class Frame {
     HWND mGraphics = nullptr;
     HWND mDock = nullptr;
     HWND mMessageLine = nullptr;
+    HWND mStateLine = nullptr;
+    HWND mHintLine = nullptr;
     HWND mAccessory = nullptr;
     bool mIsTreeShown = true;
+    std::string mHint;
 };
 
 Frame& frame();

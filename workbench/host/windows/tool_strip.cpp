@@ -14,6 +14,8 @@ constexpr wchar_t CLASS_NAME[] = L"CreoToolStrip";
 constexpr int FIRST_ID = 1;
 constexpr int STEP = 60;  // pixels a notch
 constexpr int HEIGHT = 26;
+constexpr int MORE_WIDTH = 26;
+constexpr int MORE_ID = 1000;
 
 struct Button {
     const wchar_t* label;
@@ -48,6 +50,7 @@ constexpr Button BUTTONS[] = {
 
 WNDPROC toolbarDefault = nullptr;
 HWND toolbar = nullptr;
+HWND more = nullptr;  // shown while buttons are out of sight; lists them
 int offset = 0;
 
 int toolbarWidth() {
@@ -56,11 +59,35 @@ int toolbarWidth() {
     return size.cx;
 }
 
-void moveTo(int wanted) {
+// Part of the strip that shows buttons.
+int visibleWidth() {
     RECT strip;
     GetClientRect(GetParent(toolbar), &strip);
-    offset = std::clamp(wanted, 0, std::max(0, toolbarWidth() - static_cast<int>(strip.right)));
-    place(toolbar, -offset, 0, std::max(toolbarWidth(), static_cast<int>(strip.right)), HEIGHT);
+    return toolbarWidth() > strip.right ? strip.right - MORE_WIDTH : strip.right;
+}
+
+void moveTo(int wanted) {
+    const int width = visibleWidth();
+    const bool isWhole = toolbarWidth() <= width;
+    offset = std::clamp(wanted, 0, std::max(0, toolbarWidth() - width));
+    place(toolbar, -offset, 0, std::max(toolbarWidth(), width), HEIGHT);
+    ShowWindow(more, isWhole ? SW_HIDE : SW_SHOW);
+    SetWindowPos(more, HWND_TOP, width, 0, MORE_WIDTH, HEIGHT, SWP_NOACTIVATE);
+}
+
+// A menu of the buttons that are out of sight; chosen, they do what they do.
+void showMore() {
+    const HMENU list = CreatePopupMenu();
+    for (int i = 0; i < static_cast<int>(std::size(BUTTONS)); ++i) {
+        RECT button{};
+        SendMessageW(toolbar, TB_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&button));
+        const bool isInSight = button.left >= offset && button.right <= offset + visibleWidth();
+        if (!isInSight) AppendMenuW(list, MF_STRING, static_cast<UINT_PTR>(FIRST_ID + i), BUTTONS[i].label);
+    }
+    RECT place{};
+    GetWindowRect(more, &place);
+    TrackPopupMenu(list, TPM_RIGHTALIGN, place.right, place.bottom, 0, GetParent(toolbar), nullptr);
+    DestroyMenu(list);
 }
 
 LRESULT CALLBACK toolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -74,7 +101,8 @@ LRESULT CALLBACK toolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 }
 
 LRESULT CALLBACK stripProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_SIZE && toolbar != nullptr) moveTo(offset);
+    if (message == WM_SIZE && more != nullptr) moveTo(offset);
+    if (message == WM_COMMAND && LOWORD(wParam) == MORE_ID) showMore();
     const int number = LOWORD(wParam) - FIRST_ID;
     if (message == WM_COMMAND && number >= 0 && number < static_cast<int>(std::size(BUTTONS))) {
         runCommand(BUTTONS[number].command, BUTTONS[number].option);
@@ -101,12 +129,14 @@ void addButtons() {
 
 ToolStrip makeToolStrip(HWND parent) {
     registerWindowClass(CLASS_NAME, stripProc, GetSysColorBrush(COLOR_BTNFACE));
-    toolbar = nullptr;
+    toolbar = more = nullptr;
     offset = 0;
     const HWND strip = makeChild(parent, CLASS_NAME, L"", WS_CLIPCHILDREN);
     toolbar = makeChild(strip, TOOLBARCLASSNAMEW, L"",
                         TBSTYLE_FLAT | TBSTYLE_LIST | CCS_NORESIZE | CCS_NOPARENTALIGN | CCS_NODIVIDER);
     addButtons();
+    more = makeChild(strip, L"BUTTON", L"\u00BB", BS_PUSHBUTTON);
+    SetWindowLongPtrW(more, GWLP_ID, MORE_ID);
     toolbarDefault =
         reinterpret_cast<WNDPROC>(SetWindowLongPtrW(toolbar, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(toolbarProc)));
     return {strip, toolbar};
