@@ -76,13 +76,14 @@ class ModeChecker : public Checker {
             ProSectionIsActive(&now.sketch);
         });
         if (!isTried) return;
-        if (mBefore && (now.window != mBefore->window || now.model != mBefore->model)) {
+        if (mHasBefore && (now.window != mBefore.window || now.model != mBefore.model)) {
             mWindowChange = Change{"notify.window", kWindowTypes, GetTickCount64()};
         }
-        if (mBefore && now.sketch != mBefore->sketch) {
+        if (mHasBefore && now.sketch != mBefore.sketch) {
             mSketchChange = Change{"notify.sketch", kSketchTypes, GetTickCount64()};
         }
         mBefore = now;
+        mHasBefore = true;
         decide(mWindowChange);
         decide(mSketchChange);
     }
@@ -123,7 +124,8 @@ class ModeChecker : public Checker {
 
     Context& mContext;
     Findings& mFindings;
-    std::optional<Situation> mBefore;
+    Situation mBefore;
+    bool mHasBefore = false;
     std::optional<Change> mWindowChange;
     std::optional<Change> mSketchChange;
 };
