@@ -178,11 +178,16 @@ void Frame::move(int x, int y) {
 }
 
 std::vector<NamedWindow> Frame::windows() const {
-    std::vector<NamedWindow> all{
-        {"main", mWindow},  {"strip", mToolStrip},     {"toolbar", GetWindow(mToolStrip, GW_CHILD)},
-        {"tree", mTree},    {"container", mContainer}, {"graphics", mGraphics},
-        {"dock", mDock},    {"message", mMessageLine}, {"state", mStateLine},
-        {"hint", mHintLine}};
+    std::vector<NamedWindow> all{{"main", mWindow},
+                                 {"strip", mToolStrip},
+                                 {"toolbar", FindWindowExW(mToolStrip, nullptr, TOOLBARCLASSNAMEW, nullptr)},
+                                 {"tree", mTree},
+                                 {"container", mContainer},
+                                 {"graphics", mGraphics},
+                                 {"dock", mDock},
+                                 {"message", mMessageLine},
+                                 {"state", mStateLine},
+                                 {"hint", mHintLine}};
     for (const auto& more : {dockWindows(), accessoryWindows()}) all.insert(all.end(), more.begin(), more.end());
     return all;
 }
