@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstdlib>
 #include <stdexcept>
 
 #include "common_sources/profile_folder.h"
@@ -34,6 +35,21 @@ void start(const std::filesystem::path& program) {
     }
     CloseHandle(made.hThread);
     CloseHandle(made.hProcess);
+}
+
+struct TopWindow {
+    DWORD process;
+    HWND found;
+};
+
+// The upmost window with a title: the one that was used last.
+BOOL CALLBACK takeTopWindow(HWND window, LPARAM parameter) {
+    auto& search = *reinterpret_cast<TopWindow*>(parameter);
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    if (owner != search.process || !IsWindowVisible(window) || GetWindowTextLengthW(window) == 0) return TRUE;
+    search.found = window;
+    return FALSE;
 }
 
 }  // namespace
@@ -114,7 +130,23 @@ std::string Desk::modeTold() {
     return mode.empty() ? std::string(kDefaultMode) : mode;
 }
 
-void Desk::pressButton(int button) { mClient.send("button " + std::to_string(button)); }
+void Desk::pressButton(int button) {
+    bringApplicationInFront();
+    mClient.send("button " + std::to_string(button));
+}
+
+void Desk::pressSpecial(std::int32_t event) {
+    bringApplicationInFront();
+    mClient.send("event " + std::to_string(event));
+}
+
+void Desk::bringApplicationInFront() {
+    const std::vector<std::string> applications = daemon().applications;
+    if (applications.empty()) return;
+    TopWindow search{static_cast<DWORD>(std::strtoul(applications.front().c_str(), nullptr, 10)), nullptr};
+    EnumWindows(takeTopWindow, reinterpret_cast<LPARAM>(&search));
+    if (search.found != nullptr) SetForegroundWindow(search.found);
+}
 
 void Desk::startDaemon() try {
     start(daemonProgram());

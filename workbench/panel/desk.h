@@ -43,7 +43,9 @@ class Desk {
 
     // ---- the device ----
 
+    // The application comes in front before: it takes commands there only, and with a device in hand it would be there.
     void pressButton(int button);
+    void pressSpecial(std::int32_t event);
     void send(const std::string& command) { mClient.send(command); }
     DaemonState daemon() { return mClient.state(); }
     void startDaemon();  // beside this program; what fails is in problem()
@@ -54,6 +56,7 @@ class Desk {
     std::function<void()> bindingsChanged = [] {};
 
   private:
+    void bringApplicationInFront();
     void loadBindings();
     void save();
     void tellBindings();

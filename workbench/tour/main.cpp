@@ -113,6 +113,7 @@ int playInteractively(const std::filesystem::path& profile) {
     const std::string place = panelPlace(work);
     const long hostWidth = std::max(640L, std::stol(place) - work.left);
     bench.host("place 0 0 " + std::to_string(hostWidth) + ' ' + std::to_string(std::min(work.bottom - work.top, 900L)));
+    bench.host("command ProCmdViewRefit");
     const Process panel = bench.start(buildFolder() / "workbench" / "obk_panel.exe", {"--place", place},
                                       bench.folder() / "panel_output.txt");
     std::cout << kWhatToTry << "The user's folder" << (profile.empty() ? " (it goes when this ends)" : "") << ": "

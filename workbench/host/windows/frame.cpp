@@ -27,7 +27,7 @@ constexpr int TREE_WIDTH = 210;
 constexpr int DOCK_WIDTH = 280;
 constexpr int STRIP_HEIGHT = 28;
 constexpr int MESSAGE_HEIGHT = 22;
-constexpr int STATE_WIDTH = 210;
+constexpr int STATE_WIDTH = 310;
 constexpr int LEAST_WIDTH = 640;
 constexpr int LEAST_HEIGHT = 420;
 constexpr int GAP = 3;
@@ -178,11 +178,16 @@ void Frame::move(int x, int y) {
 }
 
 std::vector<NamedWindow> Frame::windows() const {
-    std::vector<NamedWindow> all{
-        {"main", mWindow},  {"strip", mToolStrip},     {"toolbar", GetWindow(mToolStrip, GW_CHILD)},
-        {"tree", mTree},    {"container", mContainer}, {"graphics", mGraphics},
-        {"dock", mDock},    {"message", mMessageLine}, {"state", mStateLine},
-        {"hint", mHintLine}};
+    std::vector<NamedWindow> all{{"main", mWindow},
+                                 {"strip", mToolStrip},
+                                 {"toolbar", FindWindowExW(mToolStrip, nullptr, TOOLBARCLASSNAMEW, nullptr)},
+                                 {"tree", mTree},
+                                 {"container", mContainer},
+                                 {"graphics", mGraphics},
+                                 {"dock", mDock},
+                                 {"message", mMessageLine},
+                                 {"state", mStateLine},
+                                 {"hint", mHintLine}};
     for (const auto& more : {dockWindows(), accessoryWindows()}) all.insert(all.end(), more.begin(), more.end());
     return all;
 }

@@ -45,7 +45,7 @@ void DaemonClient::send(const std::string& command) {
 void DaemonClient::setBinding(const std::string& command) {
     const std::lock_guard lock(mMutex);
     mBinding = command;
-    if (mState.isConnected) mCommands.push_back(command);
+    mIsBindingDue = true;
     mWoken.notify_all();
 }
 
@@ -64,8 +64,9 @@ void DaemonClient::run() {
         }
         {
             std::unique_lock lock(mMutex);
-            mWoken.wait_for(lock, mPipe.isOpen() ? kPoll : kRetry,
-                            [this] { return mIsEnding || mAxes || !mCommands.empty(); });
+            mWoken.wait_for(lock, mPipe.isOpen() ? kPoll : kRetry, [this] {
+                return mIsEnding || mAxes || !mCommands.empty() || (mIsBindingDue && mPipe.isOpen());
+            });
             if (mIsEnding) break;
         }
         while (sendPending()) {
@@ -76,14 +77,12 @@ void DaemonClient::run() {
 
 void DaemonClient::connect() {
     if (!mPipe.open(pipeName("obk_control"), 0)) return;
-    std::string binding;
     {
         const std::lock_guard lock(mMutex);
         mAxes.reset();  // pushed at a daemon that is gone
-        binding = mBinding;
+        mIsBindingDue = !mBinding.empty();
     }
-    if (!ask("take-back on", true)) return;
-    if (!binding.empty()) ask(binding, true);
+    ask("take-back on", true);
 }
 
 // Sends one thing; answers whether there was one.
@@ -95,6 +94,9 @@ bool DaemonClient::sendPending() {
         if (const auto axes = std::exchange(mAxes, std::nullopt)) {
             command = "axes";
             for (const int axis : *axes) command += ' ' + std::to_string(axis);
+        } else if (mIsBindingDue && mPipe.isOpen()) {
+            mIsBindingDue = false;
+            command = mBinding;
         } else if (!mCommands.empty()) {
             command = std::move(mCommands.front());
             mCommands.pop_front();

@@ -59,6 +59,7 @@ class DaemonClient {
     std::optional<CapAxes> mAxes;  // not sent yet
     std::deque<std::string> mCommands;
     std::string mBinding;
+    bool mIsBindingDue = false;  // this connection has not heard of it yet
     DaemonState mState;
     std::thread mThread;
 };

@@ -70,7 +70,7 @@ LRESULT ButtonsPage::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
         if (id >= kFirstButtonId && id < kFirstButtonId + kButtonCount) mDesk.pressButton(id - kFirstButtonId + 1);
         if (id >= kFirstSpecialId && id < kFirstSpecialId + static_cast<int>(kSpecialCount)) {
-            mDesk.send("event " + std::to_string(kSpecials[id - kFirstSpecialId].event));
+            mDesk.pressSpecial(kSpecials[id - kFirstSpecialId].event);
         }
         return 0;
     }

@@ -39,9 +39,9 @@ struct Places {
 Places placesIn(HWND window) {
     RECT area;
     GetClientRect(window, &area);
-    const double side = std::min<double>(area.right - px(56), area.bottom - px(34));
+    const double side = std::min<double>(area.right - px(56), area.bottom - px(50));
     const double radius = std::max(side * 0.27, 8.0);
-    const double x = (area.right - px(44)) / 2.0, y = (area.bottom - px(22)) / 2.0;
+    const double x = (area.right - px(44)) / 2.0, y = (area.bottom - px(46)) / 2.0;
     return {x, y, radius, radius * 1.3, static_cast<double>(area.right - px(26)), radius * 1.5};
 }
 
@@ -182,7 +182,7 @@ void CapView::paint() const {
     canvas.fill({0, 0, canvas.width(), canvas.height()}, kGround);
     paintCap(canvas);
     paintHandle(canvas);
-    RECT hint{px(6), canvas.height() - px(38), canvas.width() - px(6), canvas.height() - px(2)};
+    RECT hint{px(6), canvas.height() - px(50), canvas.width() - px(6), canvas.height() - px(2)};
     SetTextColor(canvas.dc(), kInk);
     DrawTextW(canvas.dc(), text(Text::capHint), -1, &hint, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
     if (GetFocus() == window()) {

@@ -17,7 +17,7 @@ constexpr int kSteps = 100;  // of a slider, each way
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kSampleMs = 50;
 constexpr int kSamplesPerLook = 20;  // at the menu file
-constexpr int kLeastWidth = 520, kLeastHeight = 600;
+constexpr int kLeastWidth = 520, kLeastHeight = 500;
 
 BOOL CALLBACK giveFont(HWND child, LPARAM) {
     SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(uiFont()), FALSE);

@@ -14,8 +14,7 @@ constexpr Pair kTexts[] = {
     {L"Bindings", L"Belegung"},
     {L"Device", L"Ger\u00E4t"},
     {L"Drag: push. Right button or Ctrl: turn. Wheel or side handle: third axis. Double-click: release.",
-     L"Ziehen: schieben. Rechte Taste oder Strg: drehen. Rad oder seitlicher Griff: dritte Achse. Doppelklick: "
-     L"loslassen."},
+     L"Ziehen: schieben. Rechts/Strg: drehen. Rad, Griff: dritte Achse. Doppelklick: los."},
     {L"&Hold the deflection", L"Auslenkung &halten"},
     {L"&Release", L"&Loslassen"},
     {L"Gain", L"St\u00E4rke"},
