@@ -42,7 +42,8 @@ MainWindow::MainWindow(Desk& desk)
         mNames[i] = add(L"STATIC", kAxisNames[i], SS_LEFT | SS_CENTERIMAGE);
         mSliders[i] = add(TRACKBAR_CLASSW, kAxisNames[i], WS_TABSTOP | TBS_NOTICKS, kFirstSliderId + number);
         mNumbers[i] = add(L"STATIC", L"0", SS_RIGHT | SS_CENTERIMAGE, kFirstNumberId + number);
-        SendMessageW(mSliders[i], TBM_SETRANGE, TRUE, MAKELPARAM(-kSteps, kSteps));
+        SendMessageW(mSliders[i], TBM_SETRANGEMIN, FALSE, -kSteps);
+        SendMessageW(mSliders[i], TBM_SETRANGEMAX, FALSE, kSteps);
     }
     mHold = add(L"BUTTON", text(Text::hold), WS_TABSTOP | BS_AUTOCHECKBOX, kHoldId);
     mRelease = add(L"BUTTON", text(Text::release), WS_TABSTOP | BS_PUSHBUTTON, kReleaseId);
