@@ -81,7 +81,8 @@ void Stage::step(const std::string& title, const std::string& action, const std:
         step.failure = failure.what();
     }
     try {
-        if (step.shots.empty() || !step.failure.empty()) shoot(step, "At the end of the step.");
+        const bool isHostShown = mBench && mBench->isHostRunning();  // otherwise the screen is black
+        if (!step.failure.empty() || (step.shots.empty() && isHostShown)) shoot(step, "At the end of the step.");
     } catch (const std::exception& failure) {
         step.failure += std::string(step.failure.empty() ? "" : "; ") + "no picture: " + failure.what();
     }

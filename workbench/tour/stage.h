@@ -36,7 +36,7 @@ class Stage {
 
     void beginScene(std::string name, std::string title, std::string text);
     // Plays a step: what the body throws makes it fail, and the next one follows. Prints the step's line; a body that
-    // took no picture gets one of the main window at its end.
+    // took no picture gets one of the main window at its end, if there is one.
     void step(const std::string& title, const std::string& action, const std::function<void(Step&)>& body);
     // A picture of the main window; of the whole screen when there is none.
     void shoot(Step& step, const std::string& caption);
