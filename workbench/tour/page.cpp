@@ -86,6 +86,11 @@ void writeShots(std::ostream& out, const Step& step) {
     out << "<div class=\"shots" << (step.shots.size() > kManyShots ? " many" : "") << "\">\n";
     for (const Shot& shot : step.shots) {
         const std::string file = escaped(shot.file);
+        if (shot.earlierStep != 0 && !shot.pointer) {  // shown once
+            out << "<figure><figcaption>" << escaped(shot.caption) << " The picture is that of <a href=\"#step"
+                << shot.earlierStep << "\">step " << shot.earlierStep << "</a>.</figcaption></figure>\n";
+            continue;
+        }
         out << "<figure><a class=frame href=\"" << file << "\"><img loading=lazy src=\"" << file
             << "\" width=" << shot.width << " height=" << shot.height << " alt=\""
             << escaped(step.title + ": " + shot.caption) << "\">";

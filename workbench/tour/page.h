@@ -25,6 +25,7 @@ struct Shot {
         int x = 0, y = 0;
     };
     std::optional<Point> pointer;  // where the mouse pointer was, in the picture; copies of the screen leave it out
+    int earlierStep = 0;           // whose picture is the same and has this file; 0 when there is none
 };
 
 struct Step {

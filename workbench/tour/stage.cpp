@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <stdexcept>
+#include <tuple>
 
 #include "workbench/control/plugin_settings.h"
 
@@ -57,6 +60,11 @@ std::string gist(const Step& step) {
            (told->isOk ? "" : " (expected: " + told->expected + ")");
 }
 
+std::string bytesOf(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 }  // namespace
 
 std::string quoted(const std::filesystem::path& file) { return '"' + file.string() + '"'; }
@@ -95,7 +103,26 @@ Shot Stage::save(const Picture& picture, const std::string& caption) {
     char name[64];
     std::snprintf(name, sizeof name, "%03d-%s.png", ++mShots, mRecord.scenes.back().name.c_str());
     picture.save(mFolder / name);
-    return {name, caption, picture.width(), picture.height(), {}};
+    Shot shot{name, caption, picture.width(), picture.height(), {}, 0};
+    if (const auto earlier = findSame(name)) {
+        std::filesystem::remove(mFolder / name);
+        --mShots;
+        std::tie(shot.file, shot.earlierStep) = *earlier;
+    }
+    return shot;
+}
+
+std::optional<std::pair<std::string, int>> Stage::findSame(const std::string& file) const {
+    const std::string bytes = bytesOf(mFolder / file);
+    for (const SceneRecord& scene : mRecord.scenes) {
+        for (const Step& step : scene.steps) {
+            for (const Shot& shot : step.shots) {
+                if (std::filesystem::file_size(mFolder / shot.file) != bytes.size()) continue;
+                if (bytesOf(mFolder / shot.file) == bytes) return std::pair(shot.file, step.number);
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 void Stage::shootMain(Step& step, const std::string& caption, bool hasPointer) {

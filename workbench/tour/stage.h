@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "workbench/control/picture.h"
@@ -93,6 +95,8 @@ class Stage {
   private:
     int ticks();  // of the plug-in's timer so far
     Shot save(const Picture& picture, const std::string& caption);
+    // File and step of an earlier picture that is the same to the last pixel.
+    std::optional<std::pair<std::string, int>> findSame(const std::string& file) const;
     void shootMain(Step& step, const std::string& caption, bool hasPointer);
     void bindButtons();
 
