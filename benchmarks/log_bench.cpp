@@ -44,6 +44,7 @@ void logTheirs(spdlog::logger& logger, int count) {
 void onThreads(int threads, const std::function<void()>& work) {
     if (threads == 1) return work();
     std::vector<std::thread> running;
+    running.reserve(static_cast<std::size_t>(threads));
     for (int t = 0; t < threads; ++t) running.emplace_back(work);
     for (std::thread& thread : running) thread.join();
 }
