@@ -62,6 +62,7 @@ class Installation {
     void write(const std::string& name, const std::string& bytes) const {
         fs::create_directories((*this)(name).parent_path());
         writeFile((*this)(name).string(), bytes);
+        fs::last_write_time((*this)(name), kTime);  // all of one age, also what is written anew
     }
     void remove(const std::string& name) const { fs::remove_all((*this)(name)); }
     void set(const std::string& key, const std::string& value) const {
@@ -69,6 +70,7 @@ class Installation {
         write(kSettings, std::string(settings).replace(begin, end - begin, "\t" + key + " = " + value));
     }
 
+    static inline const fs::file_time_type kTime = fs::file_time_type::clock::now();
     static constexpr char kSettings[] = "profile/OrbikonController/Applications/Creo_plugin.ini";
     static constexpr char kMenus[] = "profile/OrbikonController/Applications/Creo.mnu";
     const PeShape pluginShape{.names = {"user_initialize", "user_terminate"}, .version = ownVersion()};
