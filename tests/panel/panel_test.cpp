@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "common_sources/mnu/mnu_encoding.h"
 #include "config/cnfg.h"
 #include "tests/unit/scratch.h"
 #include "workbench/panel/core/bind_model.h"
@@ -115,7 +116,7 @@ TEST(BindFile, IsWrittenAsItIsRead) {
 class Commands : public ::testing::Test {
   protected:
     CommandList read(const std::string& text) {
-        std::ofstream(std::filesystem::path(mFolder.path()) / "Creo.mnu", std::ios::binary) << text;
+        std::ofstream(std::filesystem::path(mFolder.path()) / "Creo.mnu", std::ios::binary) << codePageFromUtf8(text);
         Cnfg file((std::filesystem::path(mFolder.path()) / "Creo.mnu").string());
         return CommandList(file);
     }
