@@ -12,7 +12,6 @@
 #include "workbench/host/windows/dock.h"
 #include "workbench/host/windows/graphics_window.h"
 #include "workbench/host/windows/menu_bar.h"
-#include "workbench/host/windows/tool_strip.h"
 #include "workbench/host/windows/tree_window.h"
 #include "workbench/host/windows/ui_loop.h"
 
@@ -72,7 +71,7 @@ void Frame::show() {
 }
 
 void Frame::createChildren() {
-    mToolStrip = makeToolStrip(mWindow).strip;
+    mTools = makeToolStrip(mWindow);
     mTree = makeTree(mWindow);
     mContainer = makeChild(mWindow, CONTAINER_CLASS, L"", WS_CLIPCHILDREN);
     mGraphics = makeGraphicsWindow(mContainer);
@@ -113,7 +112,7 @@ void Frame::layOut() {
     const int height = std::max(0L, client.bottom - top - MESSAGE_HEIGHT - hint - GAP);
     const int left = mIsTreeShown ? TREE_WIDTH + GAP : 0;
     const int right = std::max(static_cast<long>(left), client.right - DOCK_WIDTH - GAP);
-    place(mToolStrip, 0, 0, client.right, STRIP_HEIGHT);
+    place(mTools.strip, 0, 0, client.right, STRIP_HEIGHT);
     place(mTree, 0, top, TREE_WIDTH, height);
     ShowWindow(mTree, mIsTreeShown ? SW_SHOW : SW_HIDE);
     place(mContainer, left, top, right - left, height);
@@ -178,15 +177,9 @@ void Frame::move(int x, int y) {
 }
 
 std::vector<NamedWindow> Frame::windows() const {
-    std::vector<NamedWindow> all{{"main", mWindow},
-                                 {"strip", mToolStrip},
-                                 {"toolbar", FindWindowExW(mToolStrip, nullptr, TOOLBARCLASSNAMEW, nullptr)},
-                                 {"tree", mTree},
-                                 {"container", mContainer},
-                                 {"graphics", mGraphics},
-                                 {"dock", mDock},
-                                 {"message", mMessageLine},
-                                 {"state", mStateLine},
+    std::vector<NamedWindow> all{{"main", mWindow},  {"strip", mTools.strip},   {"toolbar", mTools.toolbar},
+                                 {"tree", mTree},    {"container", mContainer}, {"graphics", mGraphics},
+                                 {"dock", mDock},    {"message", mMessageLine}, {"state", mStateLine},
                                  {"hint", mHintLine}};
     for (const auto& more : {dockWindows(), accessoryWindows()}) all.insert(all.end(), more.begin(), more.end());
     return all;

@@ -7,6 +7,7 @@
 
 #include <windows.h>
 
+#include "workbench/host/windows/tool_strip.h"
 #include "workbench/host/windows/window_tools.h"
 
 namespace workbench {
@@ -48,7 +49,7 @@ class Frame {
     LRESULT answerNotify(const NMHDR& header);
 
     HWND mWindow = nullptr;
-    HWND mToolStrip = nullptr;
+    ToolStrip mTools{};
     HWND mTree = nullptr;
     HWND mContainer = nullptr;  // holds the graphics window
     HWND mGraphics = nullptr;

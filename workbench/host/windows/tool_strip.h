@@ -6,8 +6,8 @@
 namespace workbench {
 
 struct ToolStrip {
-    HWND strip;
-    HWND toolbar;
+    HWND strip = nullptr;
+    HWND toolbar = nullptr;
 };
 ToolStrip makeToolStrip(HWND parent);
 int toolbarOffset();  // pixels that the tool bar is moved to the left
