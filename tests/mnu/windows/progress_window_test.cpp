@@ -172,12 +172,11 @@ TEST(ProgressWindow, SaysWhenItCannotBeMade) {
     ProgressWindow window;
     const auto says = [&](const char* text) {
         window.start();
-        EXPECT_TRUE(waitUntil([&] { return findBox() != nullptr; }));
-        const HWND shown = FindWindowExA(findBox(), nullptr, "STATIC", text);
+        const bool isSaid = waitUntil([&] { return FindWindowExA(findBox(), nullptr, "STATIC", text) != nullptr; });
         window.update(0.5);
         window.stop();
         EXPECT_EQ(findBox(), nullptr);
-        return shown != nullptr;
+        return isSaid;
     };
     EXPECT_TRUE(says("Window Registration Failed!"));
 
