@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <future>
+#include <memory>
 #include <string>
 
 #include "tools/probe/callers.h"
@@ -190,8 +191,9 @@ LRESULT CALLBACK Window::procedure(HWND window, UINT message, WPARAM wParam, LPA
 }
 
 Window::Window(Context& context, Handler handler) : mContext(context), mHandler(std::move(handler)) {
-    std::promise<void> made;
-    mThread = std::thread([this, &made] {
+    // Shared: who waits may be gone before the one who has told it has come back.
+    const auto made = std::make_shared<std::promise<void>>();
+    mThread = std::thread([this, made] {
         WNDCLASSW windowClass{};
         windowClass.lpfnWndProc = procedure;
         windowClass.hInstance = ownModule();
@@ -206,10 +208,10 @@ Window::Window(Context& context, Handler handler) : mContext(context), mHandler(
         mWindow = CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, kWindowClass, L"Orbikon Probe",
                                   WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_CLIPCHILDREN, left, 120,
                                   kWidth, kHeight, nullptr, nullptr, ownModule(), nullptr);
-        made.set_value();
+        made->set_value();
         if (mWindow != nullptr) atEdge(0, [this] { return run(), 0; });
     });
-    made.get_future().wait();
+    made->get_future().wait();
 }
 
 Window::~Window() {

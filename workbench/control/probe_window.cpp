@@ -10,7 +10,8 @@ namespace {
 
 using probe::Task;
 
-constexpr int kBesideX = 1130;  // screen pixels; the host's main window ends there
+constexpr int kBesideX = 1130;           // screen pixels; the host's main window ends there
+constexpr int kStartPatienceMs = 60000;  // on a busy machine the host before may still be looked into by a debugger
 constexpr wchar_t kRunning = L'\u25B6';
 
 }  // namespace
@@ -22,15 +23,23 @@ WorkbenchOptions ProbeWindow::options() {
 }
 
 ProbeWindow::ProbeWindow(Workbench& bench) : mBench(bench) {
-    if (!waitFor([&] { return find(); })) throw std::runtime_error("the probe shows no window");
+    if (!waitFor([&] { return find(); }, kStartPatienceMs)) {
+        throw std::runtime_error(std::string("the probe shows no window; the host ") +
+                                 (mBench.isHostRunning() ? "runs" : "has ended") + ", its output:\n" +
+                                 mBench.hostOutput());
+    }
     SetWindowPos(mWindow, nullptr, kBesideX, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// Another host's may still be there.
 bool ProbeWindow::find() {
-    DWORD process = 0;
-    mWindow = FindWindowW(probe::kWindowClass, nullptr);
-    GetWindowThreadProcessId(mWindow, &process);
-    return mWindow != nullptr && process == mBench.hostProcess().id() && IsWindowVisible(mWindow);
+    mWindow = nullptr;
+    while ((mWindow = FindWindowExW(nullptr, mWindow, probe::kWindowClass, nullptr)) != nullptr) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(mWindow, &process);
+        if (process == mBench.hostProcess().id()) return IsWindowVisible(mWindow);
+    }
+    return false;
 }
 
 std::wstring ProbeWindow::lineOf(Task task) const {
