@@ -21,7 +21,7 @@ bool isSame(const RegistrationEntry& a, const RegistrationEntry& b) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const RegistrationFields fields = pluginRegistration("C:\\a\\orbikon_creo.dll", "C:\\a");
+    const RegistrationFields fields = registrationOf(kPluginId, "C:\\a\\orbikon_creo.dll", "C:\\a");
     RegistrationFile file(std::string(reinterpret_cast<const char*>(data), size));
     check(file.bytes().size() == size);
     file.remove(kPluginId);

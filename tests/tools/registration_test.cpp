@@ -11,7 +11,7 @@ using namespace seat;
 
 namespace {
 
-const RegistrationFields kOurs = pluginRegistration("C:\\New\\orbikon_creo.dll", "C:\\New");
+const RegistrationFields kOurs = registrationOf(kPluginId, "C:\\New\\orbikon_creo.dll", "C:\\New");
 constexpr char kOursText[] =
     "name orbikon_creo\nstartup dll\nexec_file C:\\New\\orbikon_creo.dll\ntext_dir C:\\New\nfail_tol TRUE\n"
     "allow_stop FALSE\ndelay_start FALSE\nunicode_encoding FALSE\nend\n";
@@ -60,7 +60,7 @@ TEST(Registration, GoesInAndOutAndLeavesTheRestToTheByte) {
 // The probe stands beside the plug-in, and goes without it.
 TEST(Registration, ProbeAndPluginKeepTheirEntries) {
     RegistrationFile file(kOursText);
-    file.set(kProbeId, probeRegistration("C:\\New\\orbikon_probe.dll", "C:\\New"));
+    file.set(kProbeId, registrationOf(kProbeId, "C:\\New\\orbikon_probe.dll", "C:\\New"));
     ASSERT_EQ(file.entriesOf(kProbeId).size(), 1u);
     EXPECT_EQ(file.entriesOf(kProbeId)[0]->value("fail_tol"), "TRUE");
     EXPECT_EQ(file.entriesOf(kPluginId).size(), 1u);

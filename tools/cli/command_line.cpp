@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common_sources/nearest_name.h"
+#include "tools/seat/wide_text.h"
 
 #ifdef _WIN32
 #include <io.h>
@@ -18,21 +19,6 @@ namespace cli {
 #ifdef _WIN32
 namespace {
 
-std::string utf8(std::wstring_view text) {
-    const int size = static_cast<int>(text.size());
-    std::string result(WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), size, result.data(), static_cast<int>(result.size()), nullptr,
-                        nullptr);
-    return result;
-}
-
-std::wstring wide(std::string_view text) {
-    const int size = static_cast<int>(text.size());
-    std::wstring result(MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), size, result.data(), static_cast<int>(result.size()));
-    return result;
-}
-
 HANDLE consoleOf(std::FILE* stream) {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
     DWORD mode = 0;
@@ -46,7 +32,7 @@ std::vector<std::string> arguments(int, char**) {
     std::vector<std::string> result;
     int count = 0;
     wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
-    for (int i = 1; i < count; ++i) result.push_back(utf8(words[i]));
+    for (int i = 1; i < count; ++i) result.push_back(seat::utf8Text(words[i]));
     LocalFree(words);
     return result;
 }
@@ -54,7 +40,7 @@ std::vector<std::string> arguments(int, char**) {
 void print(std::FILE* stream, std::string_view text) {
     if (const HANDLE console = consoleOf(stream)) {
         std::fflush(stream);
-        const std::wstring shown = wide(text);
+        const std::wstring shown = seat::wideText(text);
         DWORD written = 0;
         WriteConsoleW(console, shown.data(), static_cast<DWORD>(shown.size()), &written, nullptr);
         return;

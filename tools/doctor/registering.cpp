@@ -11,6 +11,7 @@
 #include "tools/seat/registration_targets.h"
 #include "tools/seat/registration_update.h"
 #include "tools/seat/text.h"
+#include "tools/seat/wide_text.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -40,10 +41,7 @@ class Answer {
     int give(int code, const fs::path& file) const {
         cli::print(code == kDone ? stdout : stderr, mText);
 #ifdef _WIN32
-        const int size = static_cast<int>(mText.size());
-        std::wstring wide(MultiByteToWideChar(CP_UTF8, 0, mText.data(), size, nullptr, 0), L'\0');
-        MultiByteToWideChar(CP_UTF8, 0, mText.data(), size, wide.data(), static_cast<int>(wide.size()));
-        wide.insert(0, 1, L'\xFEFF');
+        const std::wstring wide = L'\xFEFF' + seat::wideText(mText);
         const std::string_view bytes(reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t));
         if (!file.empty() && seat::replaceFile(file, bytes)) return kFailed;
 #else
@@ -118,8 +116,7 @@ class Registering {
 
         const auto files = mFile.empty() ? seat::registrationTargets(mLoadPoint) : std::vector<fs::path>(1, mFile);
         if (const int code = checkWriting(files); code != kDone) return code;
-        const auto registration = isProbe() ? seat::probeRegistration : seat::pluginRegistration;
-        const auto fields = registration(registeredPath(library), registeredPath(textDir));
+        const auto fields = seat::registrationOf(mId, registeredPath(library), registeredPath(textDir));
         int code = updateAll(files, [&](const fs::path& file) { return seat::registerApplication(file, mId, fields); });
         if (mFile.empty() && code == kDone) code = takeOutOfOthers(files);
         return code;

@@ -10,6 +10,7 @@
 #include "tools/probe/view_matrix.h"
 #include "tools/seat/file.h"
 #include "tools/seat/pe_file.h"
+#include "tools/seat/wide_text.h"
 
 namespace probe {
 
@@ -64,12 +65,12 @@ class DriverChecker : public Checker {
         if (!isTried) return;
         std::string places;
         for (const auto& [file, code] : search.failures)
-            places += "; " + utf8(file.c_str()) + ": " + loadingProblem(code);
+            places += "; " + seat::utf8Text(file.c_str()) + ": " + loadingProblem(code);
         if (search.library == nullptr) return mFindings.tell("driver.library", false, "in no place" + places);
         const auto program = seat::readPeFile(seat::readFile(search.file).bytes);
-        mFindings.tell(
-            "driver.library", true,
-            utf8(search.file.c_str()) + ", " + (program ? seat::machineName(program->machine) : "unread") + places);
+        mFindings.tell("driver.library", true,
+                       seat::utf8Text(search.file.c_str()) + ", " +
+                           (program ? seat::machineName(program->machine) : "unread") + places);
         std::string missing;
         for (const auto ordinal : missingOrdinals(search.library)) missing += " " + std::to_string(ordinal);
         mFindings.tell("driver.ordinals", missing.empty(), missing.empty() ? "all ten" : "missing:" + missing);

@@ -8,6 +8,7 @@
 #include "tools/probe/callers.h"
 #include "tools/probe/checker.h"
 #include "tools/seat/text.h"
+#include "tools/seat/wide_text.h"
 
 namespace probe {
 
@@ -40,7 +41,7 @@ std::string modulesWith(const char* function) {
     entry.dwSize = sizeof entry;
     for (BOOL more = Module32FirstW(snapshot, &entry); more; more = Module32NextW(snapshot, &entry)) {
         if (GetProcAddress(entry.hModule, function) == nullptr) continue;
-        found += (found.empty() ? "in " : ", ") + utf8(entry.szModule);
+        found += (found.empty() ? "in " : ", ") + seat::utf8Text(entry.szModule);
     }
     CloseHandle(snapshot);
     return found.empty() ? "in no loaded module" : found;

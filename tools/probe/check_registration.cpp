@@ -7,6 +7,7 @@
 #include "tools/seat/registration_file.h"
 #include "tools/seat/registration_search.h"
 #include "tools/seat/text.h"
+#include "tools/seat/wide_text.h"
 
 namespace probe {
 
@@ -64,7 +65,7 @@ class RegistrationChecker : public Checker {
         if (bar == nullptr || mFindings.outcome("messages.umlauts") != Outcome::notMet) return;
         const std::wstring item = lastItemIn(bar);
         if (!item.empty())
-            mFindings.tell("messages.umlauts", item.ends_with(kUmlauts), "the menu: " + utf8(item.c_str()));
+            mFindings.tell("messages.umlauts", item.ends_with(kUmlauts), "the menu: " + seat::utf8Text(item.c_str()));
     }
 
     void perform(Task task, bool yes) override {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/seat/wide_text.h"
+
 namespace probe {
 
 namespace {
@@ -18,19 +20,10 @@ bool Context::has(std::initializer_list<const char*> functions) {
     return std::ranges::all_of(functions, [&](const char* name) { return GetProcAddress(main, name) != nullptr; });
 }
 
-std::string utf8(const wchar_t* text) {
-    std::string result(
-        static_cast<std::size_t>(std::max(1, WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr))),
-        '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text, -1, result.data(), static_cast<int>(result.size()), nullptr, nullptr);
-    result.pop_back();  // the end
-    return result;
-}
-
 std::string classOf(HWND window) {
     wchar_t name[256] = L"";
     GetClassNameW(window, name, 256);
-    return utf8(name);
+    return seat::utf8Text(name);
 }
 
 HWND firstThreadWindow() {

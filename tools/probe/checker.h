@@ -113,7 +113,6 @@ inline std::string answerText(const char* function, int result) {
     return std::string(function) + " answers " + std::to_string(result);
 }
 
-std::string utf8(const wchar_t* text);
 std::string classOf(HWND window);
 HWND firstThreadWindow();  // of the calling thread, as the plug-in finds it; null: none
 

@@ -7,6 +7,7 @@
 #include "tools/probe/registrations.h"
 #include "tools/seat/file.h"
 #include "tools/seat/text.h"
+#include "tools/seat/wide_text.h"
 
 namespace probe {
 
@@ -36,7 +37,7 @@ HMODULE pinnedSelf() {
 
 std::string variable(const std::string& name) {
     const wchar_t* const value = _wgetenv(std::wstring(name.begin(), name.end()).c_str());
-    return value != nullptr ? utf8(value) : "";
+    return value != nullptr ? seat::utf8Text(value) : "";
 }
 
 seat::PrivateNames privateNames() {
@@ -52,7 +53,7 @@ std::string language() {
     }
     wchar_t name[64] = L"";
     GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_SENGLANGUAGE, name, 64);
-    return seat::lowerCase(utf8(name));
+    return seat::lowerCase(seat::utf8Text(name));
 }
 
 fs::path loadPointAbove(const fs::path& host) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/probe/callers.h"
+#include "tools/seat/wide_text.h"
 
 namespace probe {
 
@@ -15,13 +16,6 @@ constexpr int kWidth = 430, kHeight = 560, kGap = 8, kTextHeight = 170, kButtonH
 constexpr UINT kSelectTask = WM_APP + 1;
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr UINT kRefreshMs = 250;
-
-std::wstring wide(const std::string& text) {
-    std::wstring result(text.size(), L'\0');
-    result.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                                               result.data(), static_cast<int>(result.size()))));
-    return result;
-}
 
 HINSTANCE ownModule() {
     HMODULE module = nullptr;
@@ -97,9 +91,9 @@ struct Window::State {
 
     void refresh() {
         std::wstring lines;
-        for (const TaskText& task : tasks()) lines += wide(mark(task) + task.title.in(isGerman())) + L'\n';
+        for (const TaskText& task : tasks()) lines += seat::wideText(mark(task) + task.title.in(isGerman())) + L'\n';
         if (lines != shown) fillList(lines);
-        const std::wstring words = wide(detail());
+        const std::wstring words = seat::wideText(detail());
         if (words == shownText) return;
         shownText = words;
         SetWindowTextW(text, words.c_str());
@@ -141,7 +135,7 @@ struct Window::State {
     void showButtons() const {
         const TaskKind kind = textOf(selected()).kind;
         const auto* caption = std::ranges::find(kCaptions, kind, &Caption::kind);
-        SetWindowTextW(yes, wide(caption->yes.in(isGerman())).c_str());
+        SetWindowTextW(yes, seat::wideText(caption->yes.in(isGerman())).c_str());
         ShowWindow(yes, kind != TaskKind::automatic ? SW_SHOW : SW_HIDE);
         ShowWindow(no, kind == TaskKind::question ? SW_SHOW : SW_HIDE);
     }

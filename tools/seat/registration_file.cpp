@@ -138,22 +138,10 @@ bool RegistrationFile::removeOnce(const ApplicationId& id) {
     return isAnyRemoved;
 }
 
-namespace {
-
 RegistrationFields registrationOf(const ApplicationId& id, const std::string& execFile, const std::string& textDir) {
     // fail_tol: Creo goes on when the application cannot start; without it Creo shuts itself down.
     return {{kName, id.name},     {"startup", "dll"},      {kExecFile, execFile},    {"text_dir", textDir},
             {"fail_tol", "TRUE"}, {"allow_stop", "FALSE"}, {"delay_start", "FALSE"}, {"unicode_encoding", "FALSE"}};
-}
-
-}  // namespace
-
-RegistrationFields pluginRegistration(const std::string& execFile, const std::string& textDir) {
-    return registrationOf(kPluginId, execFile, textDir);
-}
-
-RegistrationFields probeRegistration(const std::string& execFile, const std::string& textDir) {
-    return registrationOf(kProbeId, execFile, textDir);
 }
 
 }  // namespace seat

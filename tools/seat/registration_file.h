@@ -82,8 +82,7 @@ class RegistrationFile {
     bool mIsEntryOpen = false;                // while parsing: the last entry awaits further fields
 };
 
-// The plug-in's entry. `execFile` is the DLL, `textDir` the folder that holds "text".
-RegistrationFields pluginRegistration(const std::string& execFile, const std::string& textDir);
-RegistrationFields probeRegistration(const std::string& execFile, const std::string& textDir);  // the same of the probe
+// The entry of an application of ours. `execFile` is the DLL, `textDir` the folder that holds "text".
+RegistrationFields registrationOf(const ApplicationId& id, const std::string& execFile, const std::string& textDir);
 
 }  // namespace seat
