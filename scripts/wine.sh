@@ -42,6 +42,9 @@ if [ -n "${ORBIKON_DISPLAY:-}" ]; then
 else
     . "$root/scripts/display.sh"
     managed=N  # without a window manager Wine would wait seconds for its answers and leave title bars black
+    # No cursor themes: the library that loads one asks the X server on the connection that all threads share, and when
+    # one of them shows a window at that moment, the two wait for each other for good.
+    export XCURSOR_PATH=/nonexistent
 fi
 
 # The prefix is made once for its kind of display; two tests that start at the same time must not both make it.

@@ -1,8 +1,6 @@
 #include "tools/probe/window.h"
 
 #include <algorithm>
-#include <future>
-#include <memory>
 #include <string>
 
 #include "tools/probe/callers.h"
@@ -185,9 +183,7 @@ LRESULT CALLBACK Window::procedure(HWND window, UINT message, WPARAM wParam, LPA
 }
 
 Window::Window(Context& context, Handler handler) : mContext(context), mHandler(std::move(handler)) {
-    // Shared: who waits may be gone before the one who has told it has come back.
-    const auto made = std::make_shared<std::promise<void>>();
-    mThread = std::thread([this, made] {
+    mThread = std::thread([this] {
         WNDCLASSW windowClass{};
         windowClass.lpfnWndProc = procedure;
         windowClass.hInstance = ownModule();
@@ -202,10 +198,10 @@ Window::Window(Context& context, Handler handler) : mContext(context), mHandler(
         mWindow = CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, kWindowClass, L"Orbikon Probe",
                                   WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_CLIPCHILDREN, left, 120,
                                   kWidth, kHeight, nullptr, nullptr, ownModule(), nullptr);
-        made->set_value();
+        mMade.set_value();
         if (mWindow != nullptr) atEdge(0, [this] { return run(), 0; });
     });
-    made->get_future().wait();
+    mMade.get_future().wait();
 }
 
 Window::~Window() {

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <future>
 #include <thread>
 
 #include "tools/probe/checker.h"
@@ -31,7 +32,8 @@ class Window {
 
     Context& mContext;
     Handler mHandler;
-    HWND mWindow = nullptr;  // written before the constructor ends
+    std::promise<void> mMade;  // the window is there, or cannot be had
+    HWND mWindow = nullptr;    // written before the constructor ends
     std::thread mThread;
 };
 

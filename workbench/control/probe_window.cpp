@@ -10,8 +10,7 @@ namespace {
 
 using probe::Task;
 
-constexpr int kBesideX = 1130;           // screen pixels; the host's main window ends there
-constexpr int kStartPatienceMs = 60000;  // on a busy machine the host before may still be looked into by a debugger
+constexpr int kBesideX = 1130;  // screen pixels; the host's main window ends there
 constexpr wchar_t kRunning = L'\u25B6';
 
 }  // namespace
@@ -23,7 +22,7 @@ WorkbenchOptions ProbeWindow::options() {
 }
 
 ProbeWindow::ProbeWindow(Workbench& bench) : mBench(bench) {
-    if (!waitFor([&] { return find(); }, kStartPatienceMs)) {
+    if (!waitFor([&] { return find(); })) {
         throw std::runtime_error(std::string("the probe shows no window; the host ") +
                                  (mBench.isHostRunning() ? "runs" : "has ended") + ", its output:\n" +
                                  mBench.hostOutput());
