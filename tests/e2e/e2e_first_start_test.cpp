@@ -163,7 +163,7 @@ class LargeInstallation : public ::testing::Test {
         for (const auto& [name, text] : resources) entries.push_back({"TEXT", name.c_str(), text});
         const auto empty = workbench::buildFolder() / "workbench" / "creo" / "text" / "compiled_resource" /
                            "pro_default_resources.dll";
-        ASSERT_TRUE(makeResourceDll(path.string(), empty.string(), entries));
+        ASSERT_TRUE(makeResourceDll(path, empty, entries));
     }
     static workbench::WorkbenchOptions options() {
         workbench::WorkbenchOptions options = optionsWith(settingsText(settingsFor("off")), {});

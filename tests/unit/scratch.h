@@ -55,11 +55,13 @@ inline void setVariable(const char* name, const char* value) {
 #endif
 }
 
-// A fresh folder below the current one, removed at the end of the scope.
+// A fresh folder in the system's one for such, removed at the end of the scope. Not in the checkout, whose name may
+// have letters that a narrow path does not hold.
 class ScratchFolder {
   public:
-    ScratchFolder() : mPath("unit-scratch-" + std::to_string(processId()) + "-" + std::to_string(++count())) {
-        mPath = std::filesystem::absolute(mPath);
+    ScratchFolder()
+        : mPath(std::filesystem::temp_directory_path() /
+                ("orbikon-test-" + std::to_string(processId()) + "-" + std::to_string(++count()))) {
         std::filesystem::remove_all(mPath);
         std::filesystem::create_directories(mPath);
     }

@@ -54,18 +54,20 @@ class Answer {
     std::string mText;
 };
 
-// As Creo reads it: in the code page. The short name is preferred to letters that another machine reads differently.
+// As Creo reads it: in the code page. Parts with letters that another machine reads differently go by their short
+// names; the others keep theirs, which the next version's files will have, too.
 std::string registeredPath(const fs::path& path) {
-    fs::path written = fs::absolute(path);
-    written.make_preferred();
+    fs::path written;
+    for (const fs::path& part : fs::absolute(path)) {
+        written /= part;
 #ifdef _WIN32
-    if (!seat::isAscii(seat::textOf(written))) {
         wchar_t shorter[MAX_PATH] = L"";
-        const DWORD size = GetShortPathNameW(written.c_str(), shorter, MAX_PATH);
-        if (size > 0 && size < MAX_PATH) written = shorter;
-    }
+        const bool isAscii = seat::isAscii(seat::textOf(part));
+        const DWORD size = isAscii ? 0 : GetShortPathNameW(written.c_str(), shorter, MAX_PATH);
+        if (size > 0 && size < MAX_PATH) written.replace_filename(fs::path(shorter).filename());
 #endif
-    return codePageFromUtf8(seat::textOf(written));
+    }
+    return codePageFromUtf8(seat::textOf(written.make_preferred()));
 }
 
 std::string machineTypeOf(const fs::path& loadPoint) {

@@ -2,14 +2,17 @@
 
 #include <windows.h>
 
+#include <filesystem>
 #include <string>
 
-// Folder of the test program, with a backslash at its end.
+// Folder of the test program, with a backslash at its end; by its short name, which a narrow path holds whatever the
+// checkout's folder is called.
 inline std::string programFolder() {
-    char path[1024] = "";
-    GetModuleFileNameA(nullptr, path, sizeof path);
-    const std::string text = path;
-    return text.substr(0, text.rfind('\\') + 1);
+    wchar_t path[1024] = L"";
+    GetModuleFileNameW(nullptr, path, static_cast<DWORD>(std::size(path)));
+    const std::wstring folder = std::filesystem::path(path).parent_path().wstring() + L'\\';
+    GetShortPathNameW(folder.c_str(), path, static_cast<DWORD>(std::size(path)));
+    return std::filesystem::path(path).string();
 }
 
 // Folder of the test libraries and expected menu files, with a backslash at its end.

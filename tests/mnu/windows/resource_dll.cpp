@@ -4,11 +4,11 @@
 
 #include <cstring>
 
-bool makeResourceDll(const std::string& path, const std::string& templateDll,
+bool makeResourceDll(const std::filesystem::path& path, const std::filesystem::path& templateDll,
                      const std::vector<DllResource>& resources) {
     constexpr WORD kNeutralLanguage = 0;
-    if (!CopyFileA(templateDll.c_str(), path.c_str(), FALSE)) return false;
-    const HANDLE update = BeginUpdateResourceA(path.c_str(), TRUE);
+    if (!CopyFileW(templateDll.c_str(), path.c_str(), FALSE)) return false;
+    const HANDLE update = BeginUpdateResourceW(path.c_str(), TRUE);
     if (!update) return false;
     bool isDone = true;
     for (const DllResource& resource : resources) {
@@ -16,7 +16,7 @@ bool makeResourceDll(const std::string& path, const std::string& templateDll,
         isDone &= UpdateResourceA(update, resource.type, resource.name, kNeutralLanguage, bytes.data(),
                                   static_cast<DWORD>(bytes.size())) != FALSE;
     }
-    return EndUpdateResourceA(update, FALSE) != FALSE && isDone;
+    return EndUpdateResourceW(update, FALSE) != FALSE && isDone;
 }
 
 // The optional header differs in five places: its mark, the base, and four sizes that are 4 or 8 bytes each.

@@ -1,6 +1,7 @@
 // Resource libraries with any content, made while a test runs.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,7 @@ struct DllResource {
 };
 
 // Replaces the resources of a copy of `templateDll`. Answers whether the library could be made.
-bool makeResourceDll(const std::string& path, const std::string& templateDll,
+bool makeResourceDll(const std::filesystem::path& path, const std::filesystem::path& templateDll,
                      const std::vector<DllResource>& resources);
 
 // The same library for the other bit width; `bytes` are those of one that has resources only.
