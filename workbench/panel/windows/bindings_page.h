@@ -15,9 +15,6 @@ namespace workbench {
 
 class BindingsPage : public Pane {
   public:
-    static constexpr int kModesId = 400, kButtonsId = 401, kSearchId = 402, kTreeId = 403, kResultsId = 404,
-                         kBindId = 405, kUnbindId = 406, kUndoId = 407, kHelpId = 408, kCountId = 409;
-
     BindingsPage(HWND parent, Desk& desk);
     void refreshBindings();
     void refreshCommands();  // the menu file is another one
