@@ -27,7 +27,7 @@ BOOL CALLBACK takeControl(HWND window, LPARAM parameter) {
 }
 
 std::vector<std::string> argumentsOf(const std::filesystem::path& bindFile, const std::vector<std::string>& more) {
-    std::vector<std::string> arguments{"--language", "english", "--bindings", bindFile.string()};
+    std::vector<std::string> arguments{"--language", "english", "--bindings", textOf(bindFile)};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return arguments;
 }
