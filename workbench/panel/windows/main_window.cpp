@@ -101,7 +101,7 @@ void MainWindow::layOut(int width, int height) {
     const int gap = px(8), status = px(24);
     const int inner = height - status;
     const bool isWide = width > inner * 5 / 4;
-    RECT cap{gap, gap, isWide ? std::min(width * 2 / 5, px(460)) : width - gap, isWide ? inner : inner * 2 / 5};
+    RECT cap{gap, gap, isWide ? std::min(width * 2 / 5, px(460)) : width - gap, isWide ? inner - gap : inner * 2 / 5};
     layOutCap(cap);
     RECT pages{isWide ? cap.right + gap : gap, isWide ? gap : cap.bottom + gap, width - gap, inner - gap};
     place(mTabs, pages.left, pages.top, pages.right - pages.left, pages.bottom - pages.top);
