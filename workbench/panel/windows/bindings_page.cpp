@@ -202,18 +202,25 @@ void BindingsPage::bindTo(int number) {
     mDesk.changeBindings([&](BindModel& model) { return model.bind(mode(), number, item->command); });
 }
 
-void BindingsPage::dropAt(POINT place) {
+int BindingsPage::buttonAt(POINT place) const {
     ClientToScreen(window(), &place);
     ScreenToClient(mButtons, &place);
     LVHITTESTINFO hit{};
     hit.pt = place;
     RECT area;
     GetClientRect(mButtons, &area);
-    if (!PtInRect(&area, place)) return;
-    const auto row = static_cast<int>(SendMessageW(mButtons, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
-    if (row < 0) return;
-    selectRow(mButtons, row);
-    bindTo(row + 1);
+    if (!PtInRect(&area, place)) return 0;
+    return static_cast<int>(SendMessageW(mButtons, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit))) + 1;
+}
+
+// The button under the pointer is chosen: one sees where the command will go.
+void BindingsPage::dragTo(POINT place) const {
+    if (const int number = buttonAt(place)) selectRow(mButtons, number - 1);
+}
+
+void BindingsPage::dropAt(POINT place) {
+    dragTo(place);
+    bindTo(buttonAt(place));
 }
 
 void BindingsPage::focusSearch() { SetFocus(mSearch); }
@@ -287,6 +294,9 @@ LRESULT BindingsPage::handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_NOTIFY:
             return answerNotify(*reinterpret_cast<NMHDR*>(lParam));
+        case WM_MOUSEMOVE:
+            if (mIsDragging) dragTo({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+            return 0;
         case WM_LBUTTONUP:
             if (mIsDragging) {
                 ReleaseCapture();

@@ -34,6 +34,8 @@ class BindingsPage : public Pane {
     void searchAgain();
     void showHelp();
     void bindTo(int button);
+    int buttonAt(POINT place) const;  // 0 = none
+    void dragTo(POINT place) const;
     void dropAt(POINT place);
     const CommandList::Item* chosen() const;
     std::string mode() const;
