@@ -27,8 +27,8 @@ RegistryParse parseRegistry(std::string_view bytes);
 // "option value" lines; "!" begins a comment. Keys in lower case, the last value wins.
 std::map<std::string, std::string> parseConfig(std::string_view bytes);
 
-// Texts of a message file by keyword; each message is four lines: keyword, English text, translation (may be blank), one
-// reserved line.
+// Texts of a message file by keyword; each message is four lines: keyword, English text, translation (may be blank),
+// one reserved line.
 std::map<std::string, std::string> parseMessages(std::string_view bytes, bool wantsTranslation);
 
 }  // namespace workbench
