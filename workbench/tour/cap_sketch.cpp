@@ -62,6 +62,7 @@ void drawArrow(Gdiplus::Graphics& graphics, const std::vector<PointF>& line, con
     graphics.DrawLines(&pen, line.data(), static_cast<INT>(line.size()));
     const PointF end = line.back(), before = line[line.size() - 2];
     const REAL size = std::hypot(end.X - before.X, end.Y - before.Y);
+    if (size < 0.5F) return;  // straight towards the eye
     const PointF along((end.X - before.X) / size * kHead, (end.Y - before.Y) / size * kHead);
     const PointF head[] = {end + along,
                            {end.X - along.Y * 0.7F, end.Y + along.X * 0.7F},
