@@ -7,7 +7,7 @@ set(CMAKE_RC_COMPILE_OBJECT
   "<CMAKE_COMMAND> -E copy <SOURCE> <OBJECT>.rc" "<CMAKE_RC_COMPILER> -O coff <OBJECT>.rc <OBJECT>")
 file(RELATIVE_PATH ORBIKON_ICON_FILE ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/packaging/orbikon.ico)
 
-# orbikon_resource(TARGET DESCRIPTION): version resource; a program gets the icon, too.
+# orbikon_resource(TARGET DESCRIPTION [MANIFEST]): version resource; a program gets the icon, too, and its manifest.
 function(orbikon_resource target description)
   string(REPLACE "." "," ORBIKON_VERSION_NUMBERS "${PROJECT_VERSION}")
   set(ORBIKON_DESCRIPTION "${description}")
@@ -19,10 +19,17 @@ function(orbikon_resource target description)
     set(ORBIKON_FILE_TYPE VFT_APP)
     set(ORBIKON_ICON "1 ICON \"${ORBIKON_ICON_FILE}\"")
   endif()
+  set(manifest ${ARGN})
+  set(ORBIKON_MANIFEST "")
+  if(manifest)
+    cmake_path(ABSOLUTE_PATH manifest BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+    file(RELATIVE_PATH relative ${CMAKE_BINARY_DIR} ${manifest})
+    set(ORBIKON_MANIFEST "1 24 \"${relative}\"")
+  endif()
   set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource}.in @ONLY)
   file(GENERATE OUTPUT ${resource} INPUT ${resource}.in TARGET ${target})
   target_sources(${target} PRIVATE ${resource})
   set_source_files_properties(${resource} PROPERTIES
-    GENERATED ON OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/packaging/orbikon.ico)
+    GENERATED ON OBJECT_DEPENDS "${PROJECT_SOURCE_DIR}/packaging/orbikon.ico;${manifest}")
 endfunction()

@@ -1,91 +1,51 @@
 // The control panel, driven through its windows as a person would, beside a running host with the plug-in.
+#include <windows.h>
+// after windows.h
+#include <commctrl.h>
+
+#include <array>
 #include <map>
+#include <optional>
 
 #include "tests/e2e/e2e.h"
-#include "workbench/control/process.h"
+#include "workbench/control/panel_window.h"
 
 namespace e2e {
 namespace {
 
-using workbench::kPatienceMs;
-using workbench::Process;
+using namespace workbench::panel;
+using workbench::PanelWindow;
 
 constexpr char kRest[] = "0 0 0 0 0 0";
-constexpr int kHold = 110, kModes = 400, kButtons = 401, kSearch = 402, kBind = 405, kUndo = 407, kFirstButton = 200;
-constexpr int kAssemblyRow = 6;  // behind "all modes"
-
-struct Search {
-    DWORD process;
-    int id;
-    std::wstring className;
-    HWND found;
-};
-
-BOOL CALLBACK takeIfWanted(HWND window, LPARAM parameter) {
-    auto& search = *reinterpret_cast<Search*>(parameter);
-    DWORD owner = 0;
-    GetWindowThreadProcessId(window, &owner);
-    if (owner != search.process) return TRUE;
-    wchar_t name[64] = L"";
-    GetClassNameW(window, name, 64);
-    const bool isWanted = search.className.empty() ? GetDlgCtrlID(window) == search.id : name == search.className;
-    if (isWanted) search.found = window;
-    if (!isWanted) EnumChildWindows(window, takeIfWanted, parameter);
-    return search.found == nullptr;
-}
+constexpr int kWay = 40;  // of a drag, in pixels
 
 class Panel : public ::testing::Test {
   protected:
     void start(const std::string& bindings = "") {
         if (!bindings.empty()) workbench::writeTextFile(bindFile(), bindings);
-        mPanel.emplace(bench.start(workbench::buildFolder() / "workbench" / "obk_panel.exe",
-                                   {"--language", "english", "--bindings", bindFile().string()},
-                                   bench.folder() / "panel.txt"));
-        ASSERT_TRUE(waitFor([&] { return cap() != nullptr && IsWindowVisible(cap()); }))
-            << workbench::readTextFile(bench.folder() / "panel.txt");
-        ASSERT_TRUE(waitFor([&] { return IsWindowEnabled(find(504, L"")); })) << "the panel has found the daemon";
+        panel.emplace(bench, bindFile());
     }
     std::filesystem::path bindFile() const { return bench.folder() / "buttons.txt"; }
 
-    HWND find(int id, const std::wstring& className) const {
-        Search search{mPanel->id(), id, className, nullptr};
-        EnumWindows(takeIfWanted, reinterpret_cast<LPARAM>(&search));
-        return search.found;
-    }
-    HWND control(int id) const { return find(id, L""); }
-    HWND cap() const { return find(0, L"ObkPanelCap"); }
-    HWND top() const { return GetAncestor(cap(), GA_ROOT); }
-    std::string caption(HWND window) const {
-        char text[512] = "";
-        SendMessageA(window, WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
-        return text;
-    }
     std::string axes() { return bench.daemonStatus("axes"); }
     bool waitForAxes(const std::string& wanted) {
         return waitFor([&] { return axes() == wanted; });
     }
-    static LPARAM at(int x, int y) { return MAKELPARAM(x, y); }
-    void drag(UINT down = WM_LBUTTONDOWN) {
-        POINT goal{140, 100};  // the system tells a window that takes the mouse where the pointer really is
-        ClientToScreen(cap(), &goal);
-        SetCursorPos(goal.x, goal.y);
-        PostMessageW(cap(), down, 0, at(100, 100));
-        PostMessageW(cap(), WM_MOUSEMOVE, MK_LBUTTON, at(140, 100));
+    bool waitForCaption(Control id, const std::string& wanted) {
+        return waitFor([&] { return panel->caption(id) == wanted; });
+    }
+    void drag(bool isTurning = false) {
+        panel->drag(kWay, 0, isTurning);
         ASSERT_TRUE(waitFor([&] { return axes() != kRest; }));
     }
-    void choose(int row) const {
-        SendMessageW(control(kModes), LB_SETCURSEL, static_cast<WPARAM>(row), 0);
-        SendMessageW(GetParent(control(kModes)), WM_COMMAND, MAKEWPARAM(kModes, LBN_SELCHANGE),
-                     reinterpret_cast<LPARAM>(control(kModes)));
-    }
     void bindBySearch(const char* words) const {
-        SendMessageA(control(kSearch), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(words));
-        SendMessageW(control(kBind), BM_CLICK, 0, 0);
+        panel->search(words);
+        panel->press(kBind);
     }
 
     Bench bench{Keys{{"useMapkeyForCommands", "on"}},
                 {"ProCmdEnvMdlDisp*Wireframe", "ProCmdEnvMdlDisp*Shading", "ProCmdViewTop"}};
-    std::optional<Process> mPanel;
+    std::optional<PanelWindow> panel;
 };
 
 TEST_F(Panel, DragIsAxesAtTheDaemonAndTheHostSees) {
@@ -96,23 +56,23 @@ TEST_F(Panel, DragIsAxesAtTheDaemonAndTheHostSees) {
     EXPECT_GT(std::stoi(pushed), 0) << pushed;
     EXPECT_TRUE(pushed.ends_with(" 0 0 0 0 0")) << pushed << ": to the right, and nowhere else";
     EXPECT_TRUE(waitFor([&] { return length(bench.view().origin - before.origin) > 1e-6; }));
-    PostMessageW(cap(), WM_MOUSEWHEEL, MAKEWPARAM(MK_LBUTTON, WHEEL_DELTA), 0);
+    PostMessageW(panel->cap(), WM_MOUSEWHEEL, MAKEWPARAM(MK_LBUTTON, WHEEL_DELTA), 0);
     EXPECT_TRUE(waitFor([&] { return axes().find("0 70 ") != std::string::npos; })) << axes();
-    PostMessageW(cap(), WM_LBUTTONUP, 0, at(140, 100));
+    panel->letGo();
     ASSERT_TRUE(waitForAxes(kRest));
-    drag(WM_RBUTTONDOWN);
+    drag(true);
     EXPECT_TRUE(axes().starts_with("0 0 0 0 ")) << axes() << ": turned about the second axis";
 }
 
 // Whatever ends a push, the daemon's cap is at rest.
 TEST_F(Panel, EveryWayOfLettingGoIsZeros) {
     const std::map<std::string, std::function<void()>> ways = {
-        {"button up", [&] { PostMessageW(cap(), WM_LBUTTONUP, 0, at(140, 100)); }},
-        {"capture lost", [&] { SendMessageW(cap(), WM_CANCELMODE, 0, 0); }},
-        {"focus lost", [&] { SendMessageW(top(), WM_ACTIVATE, WA_INACTIVE, 0); }},
-        {"double click", [&] { PostMessageW(cap(), WM_LBUTTONDBLCLK, 0, at(100, 100)); }},
-        {"closed", [&] { PostMessageW(top(), WM_CLOSE, 0, 0); }},
-        {"killed", [&] { mPanel->kill(); }},
+        {"button up", [&] { panel->letGo(); }},
+        {"capture lost", [&] { SendMessageW(panel->cap(), WM_CANCELMODE, 0, 0); }},
+        {"focus lost", [&] { SendMessageW(panel->window(), WM_ACTIVATE, WA_INACTIVE, 0); }},
+        {"double click", [&] { PostMessageW(panel->cap(), WM_LBUTTONDBLCLK, 0, MAKELPARAM(100, 100)); }},
+        {"closed", [&] { PostMessageW(panel->window(), WM_CLOSE, 0, 0); }},
+        {"killed", [&] { panel->process().kill(); }},
     };
     for (const auto& [name, letGo] : ways) {
         SCOPED_TRACE(name);
@@ -122,25 +82,25 @@ TEST_F(Panel, EveryWayOfLettingGoIsZeros) {
         EXPECT_TRUE(waitForAxes(kRest)) << axes();
     }
     start();
-    SendMessageW(control(kHold), BM_CLICK, 0, 0);
+    panel->press(kHold);
     drag();
-    PostMessageW(cap(), WM_LBUTTONUP, 0, at(140, 100));
-    SendMessageW(cap(), WM_NULL, 0, 0);
+    panel->letGo();
+    SendMessageW(panel->cap(), WM_NULL, 0, 0);
     EXPECT_NE(axes(), kRest) << "held";
-    mPanel->kill();
+    panel->process().kill();
     EXPECT_TRUE(waitForAxes(kRest)) << "held by nobody";
 }
 
 TEST_F(Panel, DaemonThatGoesAndReturnsFindsTheCapAtRest) {
     start();
-    SendMessageW(control(kHold), BM_CLICK, 0, 0);
+    panel->press(kHold);
     drag();
     bench.killDaemon();
-    ASSERT_TRUE(waitFor([&] { return !IsWindowEnabled(control(504)); }));
+    ASSERT_TRUE(waitFor([&] { return !IsWindowEnabled(panel->control(kDie)); }));
     bench.startDaemon();
-    ASSERT_TRUE(waitFor([&] { return IsWindowEnabled(control(504)); }));
+    ASSERT_TRUE(waitFor([&] { return IsWindowEnabled(panel->control(kDie)); }));
     EXPECT_EQ(axes(), kRest);
-    PostMessageW(cap(), WM_LBUTTONUP, 0, at(140, 100));
+    panel->letGo();
     drag();
 }
 
@@ -149,30 +109,111 @@ TEST_F(Panel, BoundBySearchPressedAndRunInTheHostPerMode) {
     ASSERT_TRUE(waitFor([&] { return bench.daemonStatus("mode") == "Assembly"; }));
     start();
     bindBySearch("wirefr");
-    choose(kAssemblyRow);
+    panel->chooseMode("Assembly");
     bindBySearch("view top");
     EXPECT_EQ(workbench::readTextFile(bindFile()),
               "[Assembly]\n1 = ProCmdViewTop\n[Default]\n1 = ProCmdEnvMdlDisp*Wireframe\n");
-    EXPECT_TRUE(waitFor([&] { return caption(control(kFirstButton)) == "1\nLabel of ProCmdViewTop"; }))
-        << caption(control(kFirstButton));
-    SetForegroundWindow(top());  // where a person's click would bring it; the command needs the host in front
+    EXPECT_TRUE(waitForCaption(kFirstButton, "1\nLabel of ProCmdViewTop")) << panel->caption(kFirstButton);
+    SetForegroundWindow(panel->window());  // where a person's click would bring it; the command needs the host in front
     const std::string before = bench.host("view").at(0);
-    SendMessageW(control(kFirstButton), BM_CLICK, 0, 0);
+    panel->press(kFirstButton);
     EXPECT_TRUE(waitFor([&] { return bench.host("view").at(0) != before; }));
     EXPECT_EQ(bench.status("style"), "Shading");
 
-    SendMessageW(control(kUndo), BM_CLICK, 0, 0);  // the assembly's own binding goes
-    EXPECT_TRUE(waitFor([&] { return caption(control(kFirstButton)) == "1\nLabel of ProCmdEnvMdlDisp*Wireframe"; }))
-        << caption(control(kFirstButton));
-    PostMessageW(cap(), WM_KEYDOWN, '1', 0);
+    panel->press(kUndo);  // the assembly's own binding goes
+    EXPECT_TRUE(waitForCaption(kFirstButton, "1\nLabel of ProCmdEnvMdlDisp*Wireframe")) << panel->caption(kFirstButton);
+    PostMessageW(panel->cap(), WM_KEYDOWN, '1', 0);
     EXPECT_TRUE(waitFor([&] { return bench.status("style") == "Wireframe"; }));
+}
+
+// What a message points to must lie in the panel's own memory.
+class PanelMemory {
+  public:
+    PanelMemory(const workbench::Process& process, const void* content, std::size_t size)
+        : mProcess(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, process.id())),
+          mPlace(VirtualAllocEx(mProcess.get(), nullptr, size, MEM_COMMIT, PAGE_READWRITE)) {
+        if (!WriteProcessMemory(mProcess.get(), mPlace, content, size, nullptr)) mPlace = nullptr;
+    }
+    LPARAM place() const { return reinterpret_cast<LPARAM>(mPlace); }
+
+  private:
+    workbench::Handle mProcess;
+    void* mPlace;  // goes with the process
+};
+
+int rowHeight(HWND list) {
+    const auto heightOf = [&](WPARAM rows) {
+        return HIWORD(SendMessageW(list, LVM_APPROXIMATEVIEWRECT, rows, MAKELPARAM(-1, -1)));
+    };
+    return heightOf(2) - heightOf(1);
+}
+
+RECT areaOf(HWND window) {
+    RECT area{};
+    GetWindowRect(window, &area);
+    return area;
+}
+
+// The middle of a button's row, as the page sees it.
+LPARAM rowOfButton(const PanelWindow& panel, int button) {
+    const HWND list = panel.control(kButtons);
+    const RECT header = areaOf(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)));
+    POINT place{header.left + 20, header.bottom + rowHeight(list) * (2 * button - 1) / 2};
+    ScreenToClient(GetParent(list), &place);
+    return MAKELPARAM(place.x, place.y);
+}
+
+TEST_F(Panel, CommandsAreDraggedToButtonsFromTheTreeAndFromWhatWasFound) {
+    start();
+    panel->openPage(kBindingsPage);
+    const HWND tree = panel->control(kTree), results = panel->control(kResults), page = GetParent(tree);
+    const auto drag = [&](HWND from, int x, int y, int button) {
+        PostMessageW(from, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
+        PostMessageW(from, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x - 30, y + 30));
+        PostMessageW(page, WM_LBUTTONUP, 0, rowOfButton(*panel, button));
+    };
+    const auto isBindFile = [&](const std::string& text) {
+        return waitFor([&] { return workbench::readTextFile(bindFile()) == text; });
+    };
+    const LRESULT ownMenu = SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
+    SendMessageW(tree, TVM_EXPAND, TVE_EXPAND, SendMessageW(tree, TVM_GETNEXTITEM, TVGN_NEXT, ownMenu));
+    const auto line = static_cast<int>(SendMessageW(tree, TVM_GETITEMHEIGHT, 0, 0));
+    drag(tree, 80, line * 7 / 2, 3);  // two menus stand above the first two items
+    EXPECT_TRUE(isBindFile("[Default]\n3 = ProCmdEnvMdlDisp*Shading\n")) << workbench::readTextFile(bindFile());
+    panel->search("view");
+    drag(results, 40, HIWORD(SendMessageW(results, LVM_APPROXIMATEVIEWRECT, 1, MAKELPARAM(-1, -1))) - line / 2, 11);
+    EXPECT_TRUE(isBindFile("[Default]\n3 = ProCmdEnvMdlDisp*Shading\n11 = ProCmdViewTop\n"))
+        << workbench::readTextFile(bindFile());
+}
+
+// The window comes to a screen of another scale, and back, where it keeps its size.
+TEST_F(Panel, FollowsTheScaleOfTheScreen) {
+    start();
+    panel->openPage(kBindingsPage);
+    const RECT area{0, 0, 1200, 900};
+    const PanelMemory remote(panel->process(), &area, sizeof area);
+    const HWND list = panel->control(kButtons), slider = panel->control(kFirstSlider);
+    const auto measures = [&] {
+        const RECT place = areaOf(slider);
+        return std::array{static_cast<int>(place.bottom - place.top), rowHeight(list),
+                          static_cast<int>(SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0))};
+    };
+    const auto before = measures();
+    SendMessageW(panel->window(), 0x02E0, MAKEWPARAM(192, 192), remote.place());  // WM_DPICHANGED
+    const auto doubled = measures();
+    EXPECT_EQ(doubled[0], 2 * before[0]);
+    EXPECT_GT(doubled[1], before[1] * 3 / 2) << "the font";
+    EXPECT_EQ(doubled[2], 2 * before[2]);
+    EXPECT_EQ(areaOf(panel->window()).right, area.right) << "as the system wants it";
+    SendMessageW(panel->window(), 0x02E0, MAKEWPARAM(96, 96), remote.place());
+    EXPECT_EQ(measures(), before);
 }
 
 TEST_F(Panel, BindingsToCommandsThatAreGoneAreShownAndKept) {
     start("# mine\n[Default]\n1 = ProCmdGone\n2 = ProCmdViewTop\n");
-    EXPECT_EQ(caption(control(kFirstButton)), "1\nno longer in the menu file: ProCmdGone");
-    EXPECT_EQ(caption(control(kFirstButton + 1)), "2\nLabel of ProCmdViewTop");
-    choose(kAssemblyRow);
+    EXPECT_EQ(panel->caption(kFirstButton), "1\nno longer in the menu file: ProCmdGone");
+    EXPECT_EQ(panel->caption(kFirstButton, 1), "2\nLabel of ProCmdViewTop");
+    panel->chooseMode("Assembly");
     bindBySearch("shading");
     EXPECT_EQ(workbench::readTextFile(bindFile()),
               "# mine\n[Assembly]\n1 = ProCmdEnvMdlDisp*Shading\n[Default]\n1 = ProCmdGone\n2 = ProCmdViewTop\n");
@@ -180,8 +221,8 @@ TEST_F(Panel, BindingsToCommandsThatAreGoneAreShownAndKept) {
 
 TEST_F(Panel, DamagedBindFileIsNotLost) {
     start("[Default]\n1 = ProCmdViewTop\nnonsense\n");
-    EXPECT_TRUE(waitFor([&] { return caption(control(115)).find("buttons.txt:3: neither") != std::string::npos; }))
-        << caption(control(115));
+    EXPECT_TRUE(waitFor([&] { return panel->caption(kStatus).find("buttons.txt:3: neither") != std::string::npos; }))
+        << panel->caption(kStatus);
     bindBySearch("shading");
     EXPECT_EQ(workbench::readTextFile(bindFile()), "[Default]\n1 = ProCmdEnvMdlDisp*Shading\n");
     EXPECT_EQ(workbench::readTextFile(bindFile().string() + ".damaged"), "[Default]\n1 = ProCmdViewTop\nnonsense\n");

@@ -26,6 +26,17 @@ TEST(Registry, EntriesWithTheirFields) {
     EXPECT_EQ(parse.entries[1].name, "Other");
 }
 
+TEST(Registry, PathsAreUtf8WithAMarkAndInTheCodePageWithout) {
+    for (const char* content :
+         {"\xEF\xBB\xBFname A\nexec_file C:\\Ger\xC3\xA4t\\a.dll\ntext_dir C:\\Ger\xC3\xA4t\nend\n",
+          "name A\nexec_file C:\\Ger\xE4t\\a.dll\ntext_dir C:\\Ger\xE4t\nend\n"}) {
+        const RegistryParse parse = parseRegistry(content);
+        ASSERT_EQ(parse.entries.size(), 1u) << content;
+        EXPECT_EQ(parse.entries[0].execFile, "C:\\Ger\xC3\xA4t\\a.dll");
+        EXPECT_EQ(parse.entries[0].textDir, L"C:\\Ger\u00E4t");
+    }
+}
+
 TEST(Registry, FaultyEntriesAreNamedAndTheOthersKept) {
     const RegistryParse parse = parseRegistry(
         "startup dll\nexec_file a.dll\nend\nname B\nend\nname C\nstartup spawn\nexec_file c.exe\nend\n"

@@ -1,16 +1,11 @@
 #include "workbench/control/picture.h"
 
-#include <objidl.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
 
-// The classes of gdiplus.h take these from the global name space.
-using std::max;
-using std::min;
-#include <gdiplus.h>
+#include "workbench/control/gdi_plus.h"
 
 namespace workbench {
 namespace {
@@ -18,21 +13,45 @@ namespace {
 constexpr CLSID kPngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
 constexpr int kBytesPerPixel = 4;
 
-// GDI+ for as long as it is needed.
-class GdiPlus {
+// A bitmap whose pixels can be had, upper row first, with a device context to draw into it.
+class Bitmap {
   public:
-    GdiPlus() {
-        const Gdiplus::GdiplusStartupInput input;
-        if (Gdiplus::GdiplusStartup(&mToken, &input, nullptr) != Gdiplus::Ok) {
-            throw std::runtime_error("GDI+ does not start");
+    Bitmap(int width, int height) : mDc(CreateCompatibleDC(nullptr)) {
+        BITMAPINFO format{};
+        format.bmiHeader.biSize = sizeof format.bmiHeader;
+        format.bmiHeader.biWidth = width;
+        format.bmiHeader.biHeight = -height;
+        format.bmiHeader.biPlanes = 1;
+        format.bmiHeader.biBitCount = 8 * kBytesPerPixel;
+        void* bits = nullptr;
+        mBitmap = CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
+        if (mDc == nullptr || mBitmap == nullptr) {
+            release();
+            throw std::runtime_error("no bitmap can be made");
         }
+        mPixels = static_cast<std::uint32_t*>(bits);
+        mBefore = SelectObject(mDc, mBitmap);
     }
-    ~GdiPlus() { Gdiplus::GdiplusShutdown(mToken); }
-    GdiPlus(const GdiPlus&) = delete;
-    GdiPlus& operator=(const GdiPlus&) = delete;
+    ~Bitmap() {
+        SelectObject(mDc, mBefore);
+        release();
+    }
+    Bitmap(const Bitmap&) = delete;
+    Bitmap& operator=(const Bitmap&) = delete;
+
+    HDC dc() const { return mDc; }
+    std::uint32_t* pixels() const { return mPixels; }
 
   private:
-    ULONG_PTR mToken = 0;
+    void release() {
+        if (mBitmap != nullptr) DeleteObject(mBitmap);
+        if (mDc != nullptr) DeleteDC(mDc);
+    }
+
+    HDC mDc;
+    HBITMAP mBitmap = nullptr;
+    HGDIOBJ mBefore = nullptr;
+    std::uint32_t* mPixels = nullptr;
 };
 
 Colour colourOf(std::uint32_t pixel) {
@@ -62,34 +81,29 @@ Picture Picture::ofDesktop() {
 
 Picture Picture::ofScreen(const RECT& rectangle) {
     Picture picture(rectangle.right - rectangle.left, rectangle.bottom - rectangle.top);
-    if (picture.mWidth <= 0 || picture.mHeight <= 0) throw std::runtime_error("there is no area to picture");
-
-    BITMAPINFO format{};
-    format.bmiHeader.biSize = sizeof format.bmiHeader;
-    format.bmiHeader.biWidth = picture.mWidth;
-    format.bmiHeader.biHeight = -picture.mHeight;  // upper row first
-    format.bmiHeader.biPlanes = 1;
-    format.bmiHeader.biBitCount = 8 * kBytesPerPixel;
     const HDC screen = GetDC(nullptr);
-    const HDC memory = CreateCompatibleDC(screen);
-    void* bits = nullptr;
-    const HBITMAP bitmap = CreateDIBSection(screen, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
     bool isCopied = false;
-    if (bitmap != nullptr) {
-        const HGDIOBJ previous = SelectObject(memory, bitmap);
+    picture.draw([&](HDC memory) {
         isCopied =
             BitBlt(memory, 0, 0, picture.mWidth, picture.mHeight, screen, rectangle.left, rectangle.top, SRCCOPY) != 0;
-        GdiFlush();
-        const auto* pixels = static_cast<const std::uint32_t*>(bits);
-        picture.mPixels.assign(pixels, pixels + picture.mWidth * picture.mHeight);
-        SelectObject(memory, previous);
-        DeleteObject(bitmap);
-    }
-    DeleteDC(memory);
+    });
     ReleaseDC(nullptr, screen);
     if (!isCopied) throw std::runtime_error("the screen cannot be copied");
-    for (std::uint32_t& pixel : picture.mPixels) pixel &= 0xffffff;
     return picture;
+}
+
+Picture::Picture(int width, int height) : mWidth(width), mHeight(height) {
+    if (width <= 0 || height <= 0) throw std::runtime_error("there is no area to picture");
+    mPixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+}
+
+void Picture::draw(const std::function<void(HDC)>& paint) {
+    const Bitmap bitmap(mWidth, mHeight);
+    std::ranges::copy(mPixels, bitmap.pixels());
+    paint(bitmap.dc());
+    GdiFlush();
+    std::ranges::transform(bitmap.pixels(), bitmap.pixels() + mPixels.size(), mPixels.begin(),
+                           [](std::uint32_t pixel) { return pixel & 0xffffff; });
 }
 
 Colour Picture::pixel(int x, int y) const {

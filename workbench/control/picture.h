@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 namespace workbench {
@@ -32,11 +33,16 @@ class Picture {
     int countNear(const RECT& rectangle, Colour colour, int tolerance) const;
     int countNear(Colour colour, int tolerance) const;
 
+    bool operator==(const Picture&) const = default;
+
+    // Has something drawn over it by Windows' means.
+    void draw(const std::function<void(HDC)>& paint);
+
     // Writes a PNG file. Throws std::runtime_error when that fails.
     void save(const std::filesystem::path& file) const;
 
   private:
-    Picture(int width, int height) : mWidth(width), mHeight(height) {}
+    Picture(int width, int height);
 
     int mWidth, mHeight;
     std::vector<std::uint32_t> mPixels;  // 0x00RRGGBB, upper row first

@@ -126,8 +126,9 @@ void writeHead(std::ostream& out, const Record& record) {
         << kStyle
         << "</style></head><body>\n<header><h1>OrbikonController in Creo: tour</h1>\n"
            "<p>The plug-in at work in the workbench: the real plug-in DLL in a running host program, with a running "
-           "device daemon. Every picture is a copy of the screen; every number was asked of the host, the daemon, a "
-           "window or a file.</p>\n<div class=\"verdict "
+           "device daemon. Every picture is a copy of the screen, with a small cap drawn in while the device's cap was "
+           "deflected: its arrows and numbers are what the daemon had then. Every number was asked of the host, the "
+           "daemon, a window or a file.</p>\n<div class=\"verdict "
         << (failed == 0 ? "ok" : "bad") << "\">";
     if (failed == 0) {
         out << "All " << record.stepCount() << " steps had their effect: " << record.checkCount() << " checks passed";

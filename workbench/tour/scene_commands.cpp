@@ -14,10 +14,10 @@ void moveBlock(Stage& stage) {
                    stage.selectForMoving(std::to_string(kBlock));
                    const Vector before = stage.position(kBlock).origin;
                    const auto way = [&] { return length(stage.position(kBlock).origin - before); };
-                   stage.pushUntil({.ty = 200}, [&] { return way() > kWay; });
+                   stage.pushUntil(step, "The block floats above its place, with the cap still lifted.", {.ty = 200},
+                                   [&] { return way() > kWay; });
                    step.check("Way of COVER_BLOCK.PRT", "0", text(way()), "more than 60", way() > kWay);
                    step.check("Steps that can be undone", "0", stage.status("undo"), "1", stage.number("undo") == 1);
-                   stage.shoot(step, "The block floats above its place.");
                });
 }
 

@@ -18,7 +18,8 @@ void playDaemonLoss(Stage& stage) {
                [&](Step& step) {
                    const Vector start = stage.position(kPump).origin;
                    const auto way = [&] { return dot(stage.position(kPump).origin - start, right); };
-                   stage.pushUntil({.tx = 100}, [&] { return way() > kWay; });
+                   stage.pushUntil(step, "While the cap was pushed, before the daemon was killed.", {.tx = 100},
+                                   [&] { return way() > kWay; });
                    step.check("Pump moved to the right by", "0", text(way()), "more than 50", way() > kWay);
                    const Poses before = stage.positions();
                    bench.killDaemon();
@@ -48,20 +49,19 @@ void playDaemonLoss(Stage& stage) {
                               bench.daemonStatus("legacy") == "1");
                    stage.shoot(step, "The pump is where it was left.");
                });
-    stage.step("The cap works again", "The pump was selected and the cap pushed to the left (tx = -100).",
-               [&](Step& step) {
-                   bench.host("select " + std::to_string(kPump));
-                   const bool isOff = waitFor([&] { return bench.daemonStatus("legacy") == "0"; });
-                   step.check("LegacyCOM1", "1", bench.daemonStatus("legacy"), "0 (claimed)", isOff);
-                   const Vector start = stage.position(kPump).origin;
-                   const Pose view = stage.view();
-                   const auto way = [&] { return dot(stage.position(kPump).origin - start, right); };
-                   stage.pushUntil({.tx = -100}, [&] { return way() < -kWay; });
-                   step.check("Pump moved to the right by", "0", text(way()), "less than -50", way() < -kWay);
-                   const double viewMoved = greatestWay(view, stage.view());
-                   step.check("View changed by", "", text(viewMoved), "0", viewMoved == 0.0);
-                   stage.shoot(step, "The pump has gone back to the left.");
-               });
+    stage.step(
+        "The cap works again", "The pump was selected and the cap pushed to the left (tx = -100).", [&](Step& step) {
+            bench.host("select " + std::to_string(kPump));
+            const bool isOff = waitFor([&] { return bench.daemonStatus("legacy") == "0"; });
+            step.check("LegacyCOM1", "1", bench.daemonStatus("legacy"), "0 (claimed)", isOff);
+            const Vector start = stage.position(kPump).origin;
+            const Pose view = stage.view();
+            const auto way = [&] { return dot(stage.position(kPump).origin - start, right); };
+            stage.pushUntil(step, "The pump goes back to the left.", {.tx = -100}, [&] { return way() < -kWay; });
+            step.check("Pump moved to the right by", "0", text(way()), "less than -50", way() < -kWay);
+            const double viewMoved = greatestWay(view, stage.view());
+            step.check("View changed by", "", text(viewMoved), "0", viewMoved == 0.0);
+        });
 }
 
 }  // namespace workbench

@@ -72,7 +72,7 @@ void checkMove(Stage& stage, Step& step, const Direction& direction) {
     const bool isAlongSight = direction.push.tx == 0 && direction.push.ty == 0;
     stage.shoot(step, "Before.");
     if (isAlongSight) shootFromTheSide(stage, step, "Before, looked at from the right for this picture.");
-    stage.pushUntil(direction.push,
+    stage.pushUntil(step, "While the cap is pushed; it was let go a moment later.", direction.push,
                     [&] { return length(stage.position(kPump).origin - before.at(kPump).origin) > kWay; });
     const Poses after = stage.positions();
     const Vector way = after.at(kPump).origin - before.at(kPump).origin;
@@ -99,7 +99,6 @@ void checkMove(Stage& stage, Step& step, const Direction& direction) {
     step.check("COVER_BLOCK.PRT went another way by", "", text(together), "0 (1e-9)", together < kExact);
     const double others = greatestWayOfOthers(before, after, {kPump, kBlock});
     step.check("Components not selected moved by", "", text(others), "0", others == 0.0);
-    stage.shoot(step, "After.");
     if (isAlongSight) shootFromTheSide(stage, step, "After, looked at from the right for this picture.");
 }
 
@@ -151,7 +150,8 @@ void turnPair(Stage& stage, Step& step) {
     const auto angle = [&](int id, const Poses& now) {
         return angleAbout(screen[2], before.at(id).origin - centre, now.at(id).origin - centre);
     };
-    stage.pushUntil(kPush, [&] { return angle(kPump, stage.positions()) > 60 * kDegree; });
+    stage.pushUntil(step, "While the cap is turned: pump and block turn about the point midway between their origins.",
+                    kPush, [&] { return angle(kPump, stage.positions()) > 60 * kDegree; });
     const Poses after = stage.positions();
     const double turn = angle(kPump, after);
     step.check("Turn about the screen's normal, degrees", "0", text(turn / kDegree), "more than 60, right-handed",
@@ -173,14 +173,14 @@ void turnPair(Stage& stage, Step& step) {
     step.check("Origins and axes: difference from that turn", "", text(error), "0 (1e-9)", error < kExact);
     const double others = greatestWayOfOthers(before, after, group);
     step.check("Components not selected moved by", "", text(others), "0", others == 0.0);
-    stage.shoot(step, "After: pump and block have turned about the point midway between their origins.");
 }
 
 void turnThree(Stage& stage, Step& step) {
     const std::vector<int> group{kPump, kBlock, kPlug};
     const Poses before = stage.positions();
     stage.shoot(step, "Before.");
-    stage.pushUntil({.rx = 150, .ry = -120, .rz = 90},
+    stage.pushUntil(step, "While the cap is turned: the three keep their places to each other.",
+                    {.rx = 150, .ry = -120, .rz = 90},
                     [&] { return length(stage.position(kPump).axes[0] - before.at(kPump).axes[0]) > 1.0; });
     const Poses after = stage.positions();
     const double turn = length(after.at(kPump).axes[0] - before.at(kPump).axes[0]);
@@ -191,14 +191,13 @@ void turnThree(Stage& stage, Step& step) {
     double skew = 0.0;
     for (const int id : group) skew = std::max(skew, greatestSkew(after.at(id)));
     step.check("Axes differ from a right-angled frame by", "", text(skew), "0 (1e-9)", skew < kExact);
-    stage.shoot(step, "After: the three have kept their places to each other.");
 }
 
 void turnOne(Stage& stage, Step& step) {
     const Pose before = stage.position(kPump);
     const auto screen = stage.screenAxes();
     stage.shoot(step, "Before.");
-    stage.pushUntil({.rx = 150}, [&] {
+    stage.pushUntil(step, "While the cap is turned: the pump turns on the spot.", {.rx = 150}, [&] {
         return angleAbout(screen[0], before.axes[2], stage.position(kPump).axes[2]) > 45 * kDegree;
     });
     const Pose after = stage.position(kPump);
@@ -207,7 +206,6 @@ void turnOne(Stage& stage, Step& step) {
                angle > 45 * kDegree);
     const double way = length(after.origin - before.origin);
     step.check("Origin of OIL_PUMP.ASM", text(before.origin), text(after.origin), "unchanged (1e-9)", way < kExact);
-    stage.shoot(step, "After: the pump has turned on the spot.");
 }
 
 }  // namespace

@@ -100,8 +100,8 @@ void playList(Stage& stage, Step& step, const ListCase& list) {
     step.check("LegacyCOM1 once the pointer is there", "", bench.daemonStatus("legacy"), "0 (claimed)", isClaimed);
     const Vector row = stage.view().axes[0];
     const Bars before = barsOf(stage, list.window);
-    stage.shootWithPointer(step, "Before.");
-    stage.pushUntil(list.push, [&] {
+    stage.shoot(step, {"Before.", true});
+    stage.pushUntil(step, {"While the cap is pushed.", true}, list.push, [&] {
         return isReached(watchedOf(before, list.watched), watchedOf(barsOf(stage, list.window), list.watched),
                          list.change);
     });
@@ -121,30 +121,27 @@ void playList(Stage& stage, Step& step, const ListCase& list) {
     }
     const double viewMoved = length(stage.view().axes[0] - row);
     step.check("View changed by", "", text(viewMoved), "0", viewMoved == 0.0);
-    stage.shootWithPointer(step, "After.");
 }
 
 void scrollTree(Stage& stage, Step& step) {
     Workbench& bench = stage.bench();
     bench.host("cursor tree");
     const Bars before = barsOf(stage, "tree");
-    stage.shootWithPointer(step, "Before: the pointer is on the model tree.");
-    stage.push({.tz = 120});
-    const bool isScrolled = waitFor([&] { return barsOf(stage, "tree").top >= before.top + kLines; });
+    stage.shoot(step, {"Before: the pointer is on the model tree.", true});
+    const bool isScrolled = stage.pushUntil(step, {"The tree scrolls down while the cap is pulled.", true}, {.tz = 120},
+                                            [&] { return barsOf(stage, "tree").top >= before.top + kLines; });
     step.check("LegacyCOM1", "1", bench.daemonStatus("legacy"), "0 (claimed)", bench.daemonStatus("legacy") == "0");
-    stage.push({});
     const Bars after = barsOf(stage, "tree");
     step.check("First row shown", std::to_string(before.top), std::to_string(after.top),
                "at least " + std::to_string(before.top + kLines), isScrolled);
-    stage.shootWithPointer(step, "After: the tree has scrolled down.");
 }
 
 void scrollTreeBack(Stage& stage, Step& step) {
     const int from = barsOf(stage, "tree").top;
-    const bool isBack = stage.pushUntil({.ty = 120}, [&] { return barsOf(stage, "tree").top == 0; });
+    const bool isBack = stage.pushUntil(step, {"The tree shows its beginning, with the cap still lifted.", true},
+                                        {.ty = 120}, [&] { return barsOf(stage, "tree").top == 0; });
     step.check("First row shown", std::to_string(from), std::to_string(barsOf(stage, "tree").top), "0",
                isBack && from > 0);
-    stage.shootWithPointer(step, "The tree shows its beginning.");
 }
 
 void leaveTree(Stage& stage, Step& step) {
@@ -164,8 +161,8 @@ void leaveTree(Stage& stage, Step& step) {
                left == later);
     step.check("Motions of the view meanwhile", "0", std::to_string(stage.number("legacy_motions") - motions),
                "at least 10: the view has them now", isViewMoving);
+    stage.shoot(step, {"The tree has stopped; the motion zooms the view instead.", true});
     stage.release();
-    stage.shootWithPointer(step, "The tree has stopped; the motion zooms the view instead.");
 }
 
 // Equal drive in both directions is consumed, but scrolls nothing.
@@ -173,7 +170,9 @@ void pushEvenly(Stage& stage, Step& step) {
     Workbench& bench = stage.bench();
     bench.host("panel properties");
     bench.host("cursor listview");
-    stage.pushUntil({.tz = 150}, [&] { return barsOf(stage, "listview").top >= kLines; });
+    stage.push({.tz = 150});
+    waitFor([&] { return barsOf(stage, "listview").top >= kLines; });
+    stage.release();
     const Bars before = barsOf(stage, "listview");
     const Pose view = stage.view();
     stage.push({.tx = 120, .tz = 120});
@@ -181,6 +180,7 @@ void pushEvenly(Stage& stage, Step& step) {
     stage.awaitTicks();
     stage.awaitTicks();
     const std::string legacy = bench.daemonStatus("legacy");
+    stage.shoot(step, {"Neither the list nor the view moves.", true});
     stage.release();
     const Bars after = barsOf(stage, "listview");
     const auto placeOf = [](const Bars& bars) {
@@ -191,7 +191,6 @@ void pushEvenly(Stage& stage, Step& step) {
     step.check("LegacyCOM1", "", legacy, "0 (claimed)", legacy == "0");
     const double viewMoved = greatestWay(view, stage.view());
     step.check("View changed by", "", text(viewMoved), "0", viewMoved == 0.0);
-    stage.shootWithPointer(step, "Neither the list nor the view has moved.");
 }
 
 }  // namespace

@@ -64,11 +64,11 @@ void pushInVain(Stage& stage, Step& step) {
     const Poses before = stage.positions();
     stage.push({.tx = 100});
     stage.awaitTicks();
+    stage.shoot(step, "The cap is pushed; the pump is selected, and stays where it is.");
     stage.release();
     const double moved = greatestWay(before, stage.positions());
     step.check("Components moved by", "0", text(moved), "0", moved == 0.0);
     step.check("Plug-in", "", stage.status("plugin"), "initialised", stage.status("plugin") == "initialised");
-    stage.shoot(step, "The pump is selected, and stays where it is.");
 }
 
 void showAnswer(Stage& stage, Step& step) {
@@ -96,10 +96,10 @@ void repair(Stage& stage, Step& step) {
     stage.startHost();
     stage.selectForMoving(std::to_string(kPump));
     const Vector start = stage.position(kPump).origin, right = stage.screenAxes()[0];
-    stage.pushUntil({.tx = 100}, [&] { return wayOfPump(stage, start, right) > kWay; });
+    stage.pushUntil(step, "The pump moves to the right.", {.tx = 100},
+                    [&] { return wayOfPump(stage, start, right) > kWay; });
     const double way = wayOfPump(stage, start, right);
     step.check("Pump moved to the right by", "0", text(way), "more than 50", way > kWay);
-    stage.shoot(step, "The pump has moved to the right.");
 }
 
 }  // namespace

@@ -40,6 +40,10 @@ constexpr Scene kScenes[] = {
     {"toggles", "Two toggles, one state",
      "Move mode and scroll mode can be switched by the menu and by device buttons; the check marks follow both.",
      playToggles},
+    {"panel", "Without a device: the control panel",
+     "The panel's cap is pushed with the mouse, a button bound to a command that is found while one types, and "
+     "pressed.",
+     playPanel},
     {"daemon", "The device daemon goes and comes back",
      "The daemon is killed. Host and plug-in go on; once a daemon is there again, the plug-in connects and tells its "
      "mode anew.",

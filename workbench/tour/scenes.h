@@ -30,6 +30,7 @@ void playCommandByMacro(Stage& stage);
 void playCommandByMapkey(Stage& stage);
 void playStandardViews(Stage& stage);
 void playToggles(Stage& stage);
+void playPanel(Stage& stage);
 void playDaemonLoss(Stage& stage);
 void playInstaller(Stage& stage);
 bool isPackageThere();  // packaging/package.sh has made an installer

@@ -10,6 +10,7 @@
 #include <tuple>
 
 #include "workbench/control/plugin_settings.h"
+#include "workbench/tour/cap_sketch.h"
 
 namespace workbench {
 namespace {
@@ -17,6 +18,7 @@ namespace {
 constexpr const char* kAssembly = "GEARBOX.ASM";
 constexpr Colour kSelectedEdge{0x00, 0xA0, 0x40};  // in which the host paints what is selected
 constexpr const char* kTickText = "timerIntvl: ";  // in the plug-in's log, once each tick
+constexpr int kSketchGap = 8;                      // of the cap's picture to the edge of the graphics
 constexpr int kTicksSeen = 2;                      // the first may have begun before
 
 // Commands that the device's buttons are bound to, button 1 first.
@@ -99,17 +101,17 @@ void Stage::step(const std::string& title, const std::string& action, const std:
     mRecord.scenes.back().steps.push_back(std::move(step));
 }
 
-Shot Stage::save(const Picture& picture, const std::string& caption) {
+void Stage::save(Step& step, const Exposure& exposure) {
     char name[64];
     std::snprintf(name, sizeof name, "%03d-%s.png", ++mShots, mRecord.scenes.back().name.c_str());
-    picture.save(mFolder / name);
-    Shot shot{name, caption, picture.width(), picture.height(), {}, 0};
+    exposure.picture.save(mFolder / name);
+    Shot shot{name, exposure.caption, exposure.picture.width(), exposure.picture.height(), exposure.pointer, 0};
     if (const auto earlier = findSame(name)) {
         std::filesystem::remove(mFolder / name);
         --mShots;
         std::tie(shot.file, shot.earlierStep) = *earlier;
     }
-    return shot;
+    step.shots.push_back(std::move(shot));
 }
 
 std::optional<std::pair<std::string, int>> Stage::findSame(const std::string& file) const {
@@ -125,35 +127,49 @@ std::optional<std::pair<std::string, int>> Stage::findSame(const std::string& fi
     return std::nullopt;
 }
 
-void Stage::shootMain(Step& step, const std::string& caption, bool hasPointer) {
-    if (!mBench || !mBench->isHostRunning()) return shootScreen(step, caption);
-    const HWND main = window("main");
+Stage::Exposure Stage::expose(const RECT& area, const Caption& caption) {
+    Exposure exposure{Picture::ofScreen(area), caption.text, {}};
+    drawCap(exposure.picture, area);
+    if (caption.hasPointer) {
+        const auto [x, y] = pointerPlace();
+        exposure.pointer = Shot::Point{x - static_cast<int>(area.left), y - static_cast<int>(area.top)};
+    }
+    return exposure;
+}
+
+Stage::Exposure Stage::exposeMain(const Caption& caption) {
     bench().host("status");  // the windows have painted what they had to once this is answered
     RECT frame{};
-    if (!GetWindowRect(main, &frame)) throw std::runtime_error("the main window is gone");
-    Shot shot = save(Picture::ofScreen(frame), caption);
-    if (hasPointer) {
-        const auto [x, y] = pointerPlace();
-        shot.pointer = Shot::Point{x - static_cast<int>(frame.left), y - static_cast<int>(frame.top)};
-    }
-    step.shots.push_back(std::move(shot));
+    if (!GetWindowRect(window("main"), &frame)) throw std::runtime_error("the main window is gone");
+    return expose(frame, caption);
 }
 
-void Stage::shoot(Step& step, const std::string& caption) { shootMain(step, caption, false); }
-
-void Stage::shootWithPointer(Step& step, const std::string& caption) { shootMain(step, caption, true); }
-
-void Stage::shootScreen(Step& step, const std::string& caption) {
-    step.shots.push_back(save(Picture::ofDesktop(), caption));
+void Stage::drawCap(Picture& picture, const RECT& area) {
+    if (!mBench || !mBench->isDaemonRunning()) return;
+    const auto words = splitAtBlanks(mBench->daemonStatus("axes"));
+    CapDeflection cap{};
+    for (std::size_t i = 0; i < cap.size(); ++i) cap[i] = std::stoi(words.at(i));
+    if (cap == CapDeflection{}) return;
+    RECT graphics{};
+    if (!GetWindowRect(window("graphics"), &graphics)) throw std::runtime_error("the graphics window is gone");
+    drawCapSketch(picture, static_cast<int>(graphics.left - area.left) + kSketchGap,
+                  static_cast<int>(graphics.top - area.top) + kSketchGap, cap);
 }
 
-void Stage::shootTogether(Step& step, const std::string& caption, const std::vector<HWND>& windows) {
+void Stage::shoot(Step& step, const Caption& caption) {
+    if (!mBench || !mBench->isHostRunning()) return shootScreen(step, caption.text);
+    save(step, exposeMain(caption));
+}
+
+void Stage::shootScreen(Step& step, const std::string& caption) { save(step, {Picture::ofDesktop(), caption, {}}); }
+
+void Stage::shootTogether(Step& step, const Caption& caption, const std::vector<HWND>& windows) {
     RECT area{};
     for (const HWND window : windows) {
         RECT place{};
         if (GetWindowRect(window, &place)) UnionRect(&area, &area, &place);
     }
-    step.shots.push_back(save(Picture::ofScreen(area), caption));
+    save(step, expose(area, caption));
 }
 
 // ---- workbenches ----
@@ -228,10 +244,12 @@ void Stage::release() {
     });
 }
 
-bool Stage::pushUntil(const Push& wanted, const std::function<bool()>& condition) {
+bool Stage::pushUntil(Step& step, const Caption& caption, const Push& wanted, const std::function<bool()>& condition) {
     push(wanted);
     const bool isMet = waitFor(condition);
+    const Exposure exposure = exposeMain(caption);  // saved later: what is pushed goes on moving meanwhile
     release();
+    save(step, exposure);
     return isMet;
 }
 

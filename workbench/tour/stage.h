@@ -26,6 +26,15 @@ struct ScreenPoint {
     int x = 0, y = 0;
 };
 
+struct Caption {  // of a picture
+    Caption(const char* caption) : text(caption) {}
+    Caption(std::string caption) : text(std::move(caption)) {}
+    Caption(std::string caption, bool isPointerMarked) : text(std::move(caption)), hasPointer(isPointerMarked) {}
+
+    std::string text;
+    bool hasPointer = false;  // the mouse pointer is marked
+};
+
 // How commands of the menu file reach the host.
 enum class CommandWay { byMacro, byMapkey };
 
@@ -40,13 +49,12 @@ class Stage {
     // Plays a step: what the body throws makes it fail, and the next one follows. Prints the step's line; a body that
     // took no picture gets one of the main window at its end, if there is one.
     void step(const std::string& title, const std::string& action, const std::function<void(Step&)>& body);
-    // A picture of the main window; of the whole screen when there is none.
-    void shoot(Step& step, const std::string& caption);
+    // A picture of the main window; of the whole screen when there is none. While the cap is deflected, as the daemon
+    // has it, pictures show it in a corner of the graphics.
+    void shoot(Step& step, const Caption& caption);
     void shootScreen(Step& step, const std::string& caption);
     // The part of the screen that holds these windows.
-    void shootTogether(Step& step, const std::string& caption, const std::vector<HWND>& windows);
-    // The same with the mouse pointer marked.
-    void shootWithPointer(Step& step, const std::string& caption);
+    void shootTogether(Step& step, const Caption& caption, const std::vector<HWND>& windows);
 
     // ---- workbenches ----
 
@@ -68,8 +76,9 @@ class Stage {
 
     void push(const Push& push);
     void release();  // and waits until components and view rest
-    // Pushes until the condition holds, or patience ends, and releases. Answers whether it held.
-    bool pushUntil(const Push& push, const std::function<bool()>& condition);
+    // Pushes until the condition holds, or patience ends, takes a picture of that, and releases. Answers whether it
+    // held.
+    bool pushUntil(Step& step, const Caption& caption, const Push& push, const std::function<bool()>& condition);
     void setToggle(const std::string& label, bool isOn);  // of the plug-in's menu
     void pressButton(const std::string& command);         // the device's button that is bound to it
 
@@ -93,11 +102,18 @@ class Stage {
     void awaitTicks();
 
   private:
-    int ticks();  // of the plug-in's timer so far
-    Shot save(const Picture& picture, const std::string& caption);
+    int ticks();       // of the plug-in's timer so far
+    struct Exposure {  // a picture that is not saved yet
+        Picture picture;
+        std::string caption;
+        std::optional<Shot::Point> pointer;
+    };
+    Exposure expose(const RECT& area, const Caption& caption);
+    Exposure exposeMain(const Caption& caption);
+    void save(Step& step, const Exposure& exposure);
+    void drawCap(Picture& picture, const RECT& area);
     // File and step of an earlier picture that is the same to the last pixel.
     std::optional<std::pair<std::string, int>> findSame(const std::string& file) const;
-    void shootMain(Step& step, const std::string& caption, bool hasPointer);
     void bindButtons();
 
     std::filesystem::path mFolder;

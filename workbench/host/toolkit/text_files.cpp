@@ -49,10 +49,11 @@ std::string complaint(const PluginEntry& entry) {
 
 }  // namespace
 
-RegistryParse parseRegistry(std::string_view content) {
+RegistryParse parseRegistry(std::string_view bytes) {
     RegistryParse parse;
     PluginEntry entry;
     int number = 0;
+    const std::string content = fileTextToUtf8(bytes);
     for (const std::string_view line : linesOf(content)) {
         ++number;
         if (line.empty() || line.front() == '!') continue;
@@ -76,8 +77,9 @@ RegistryParse parseRegistry(std::string_view content) {
     return parse;
 }
 
-std::map<std::string, std::string> parseConfig(std::string_view content) {
+std::map<std::string, std::string> parseConfig(std::string_view bytes) {
     std::map<std::string, std::string> options;
+    const std::string content = fileTextToUtf8(bytes);
     for (const std::string_view line : linesOf(content)) {
         if (line.empty() || line.front() == '!') continue;
         auto [option, value] = fieldOf(line);

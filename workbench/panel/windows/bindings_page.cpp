@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "workbench/panel/controls.h"
 #include "workbench/panel/windows/texts.h"
 #include "workbench/pipes/text.h"
 
@@ -64,26 +65,26 @@ BindingsPage::BindingsPage(HWND parent, Desk& desk) : mDesk(desk) {
     create(parent, L"ObkPanelPage", text(Text::bindingsPage), WS_CHILD | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT);
     constexpr DWORD kButton = WS_TABSTOP | BS_PUSHBUTTON;
     constexpr DWORD kList = WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS;
-    mModes =
-        add(L"LISTBOX", L"", WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, kModesId, WS_EX_CLIENTEDGE);
-    mButtons = add(WC_LISTVIEWW, L"", kList | LVS_NOSORTHEADER, kButtonsId, WS_EX_CLIENTEDGE);
-    mUnbind = add(L"BUTTON", text(Text::unbind), kButton, kUnbindId);
-    mUndo = add(L"BUTTON", text(Text::undo), kButton, kUndoId);
-    mSearch = add(L"EDIT", L"", WS_TABSTOP | ES_AUTOHSCROLL, kSearchId, WS_EX_CLIENTEDGE);
+    mModes = add(L"LISTBOX", L"", WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, panel::kModes,
+                 WS_EX_CLIENTEDGE);
+    mButtons = add(WC_LISTVIEWW, L"", kList | LVS_NOSORTHEADER, panel::kButtons, WS_EX_CLIENTEDGE);
+    mUnbind = add(L"BUTTON", text(Text::unbind), kButton, panel::kUnbind);
+    mUndo = add(L"BUTTON", text(Text::undo), kButton, panel::kUndo);
+    mSearch = add(L"EDIT", L"", WS_TABSTOP | ES_AUTOHSCROLL, panel::kSearch, WS_EX_CLIENTEDGE);
     SendMessageW(mSearch, kSetCueBanner, TRUE, reinterpret_cast<LPARAM>(text(Text::search)));
-    mCount = add(L"STATIC", L"", SS_RIGHT | SS_CENTERIMAGE, kCountId);
+    mCount = add(L"STATIC", L"", SS_RIGHT | SS_CENTERIMAGE, panel::kCount);
     mTree = add(WC_TREEVIEWW, L"", WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS,
-                kTreeId, WS_EX_CLIENTEDGE);
-    mResults = add(WC_LISTVIEWW, L"", kList | LVS_OWNERDATA, kResultsId, WS_EX_CLIENTEDGE);
-    mBind = add(L"BUTTON", text(Text::bind), kButton, kBindId);
-    mHelp = add(L"STATIC", L"", SS_LEFT | SS_NOPREFIX, kHelpId);
+                panel::kTree, WS_EX_CLIENTEDGE);
+    mResults = add(WC_LISTVIEWW, L"", kList | LVS_OWNERDATA, panel::kResults, WS_EX_CLIENTEDGE);
+    mBind = add(L"BUTTON", text(Text::bind), kButton, panel::kBind);
+    mHelp = add(L"STATIC", L"", SS_LEFT | SS_NOPREFIX, panel::kHelp);
     for (const HWND list : {mButtons, mResults}) {
         SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
     }
     addColumn(mButtons, 0, text(Text::button));
     addColumn(mButtons, 1, text(Text::command));
     addColumn(mResults, 0, text(Text::command));
-    addColumn(mResults, 1, L"");
+    addColumn(mResults, 1, text(Text::commandName));
     for (int row = 0; row < kButtonCount; ++row) {
         const std::wstring caption = std::to_wstring(row + 1);
         LVITEMW item{};
@@ -201,18 +202,25 @@ void BindingsPage::bindTo(int number) {
     mDesk.changeBindings([&](BindModel& model) { return model.bind(mode(), number, item->command); });
 }
 
-void BindingsPage::dropAt(POINT place) {
+int BindingsPage::buttonAt(POINT place) const {
     ClientToScreen(window(), &place);
     ScreenToClient(mButtons, &place);
     LVHITTESTINFO hit{};
     hit.pt = place;
     RECT area;
     GetClientRect(mButtons, &area);
-    if (!PtInRect(&area, place)) return;
-    const auto row = static_cast<int>(SendMessageW(mButtons, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
-    if (row < 0) return;
-    selectRow(mButtons, row);
-    bindTo(row + 1);
+    if (!PtInRect(&area, place)) return 0;
+    return static_cast<int>(SendMessageW(mButtons, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit))) + 1;
+}
+
+// The button under the pointer is chosen: one sees where the command will go.
+void BindingsPage::dragTo(POINT place) const {
+    if (const int number = buttonAt(place)) selectRow(mButtons, number - 1);
+}
+
+void BindingsPage::dropAt(POINT place) {
+    dragTo(place);
+    bindTo(buttonAt(place));
 }
 
 void BindingsPage::focusSearch() { SetFocus(mSearch); }
@@ -225,11 +233,11 @@ bool BindingsPage::useKey(const MSG& message) {
         return true;
     }
     if (message.wParam == VK_DELETE && message.hwnd == mButtons) {
-        answerCommand(kUnbindId, BN_CLICKED);
+        answerCommand(panel::kUnbind, BN_CLICKED);
         return true;
     }
     if (message.wParam == 'Z' && GetKeyState(VK_CONTROL) < 0 && message.hwnd != mSearch) {
-        answerCommand(kUndoId, BN_CLICKED);
+        answerCommand(panel::kUndo, BN_CLICKED);
         return true;
     }
     // From the search field straight into what it found.
@@ -244,12 +252,12 @@ bool BindingsPage::useKey(const MSG& message) {
 }
 
 void BindingsPage::answerCommand(int id, int code) {
-    if (id == kModesId && code == LBN_SELCHANGE) refreshBindings();
-    if (id == kSearchId && code == EN_CHANGE) searchAgain();
+    if (id == panel::kModes && code == LBN_SELCHANGE) refreshBindings();
+    if (id == panel::kSearch && code == EN_CHANGE) searchAgain();
     if (code != BN_CLICKED) return;
-    if (id == kBindId) bindTo(button());
-    if (id == kUnbindId) mDesk.changeBindings([&](BindModel& model) { return model.unbind(mode(), button()); });
-    if (id == kUndoId) mDesk.changeBindings([](BindModel& model) { return model.undo(); });
+    if (id == panel::kBind) bindTo(button());
+    if (id == panel::kUnbind) mDesk.changeBindings([&](BindModel& model) { return model.unbind(mode(), button()); });
+    if (id == panel::kUndo) mDesk.changeBindings([](BindModel& model) { return model.undo(); });
 }
 
 LRESULT BindingsPage::answerNotify(NMHDR& header) {
@@ -286,6 +294,9 @@ LRESULT BindingsPage::handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_NOTIFY:
             return answerNotify(*reinterpret_cast<NMHDR*>(lParam));
+        case WM_MOUSEMOVE:
+            if (mIsDragging) dragTo({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+            return 0;
         case WM_LBUTTONUP:
             if (mIsDragging) {
                 ReleaseCapture();

@@ -15,9 +15,6 @@ namespace workbench {
 
 class BindingsPage : public Pane {
   public:
-    static constexpr int kModesId = 400, kButtonsId = 401, kSearchId = 402, kTreeId = 403, kResultsId = 404,
-                         kBindId = 405, kUnbindId = 406, kUndoId = 407, kHelpId = 408, kCountId = 409;
-
     BindingsPage(HWND parent, Desk& desk);
     void refreshBindings();
     void refreshCommands();  // the menu file is another one
@@ -37,6 +34,8 @@ class BindingsPage : public Pane {
     void searchAgain();
     void showHelp();
     void bindTo(int button);
+    int buttonAt(POINT place) const;  // 0 = none
+    void dragTo(POINT place) const;
     void dropAt(POINT place);
     const CommandList::Item* chosen() const;
     std::string mode() const;

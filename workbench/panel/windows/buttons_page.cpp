@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "driver/obk_ctrlr.h"
+#include "workbench/panel/controls.h"
 #include "workbench/panel/windows/texts.h"
 
 namespace workbench {
@@ -24,10 +25,10 @@ constexpr DWORD kStyle = WS_TABSTOP | BS_PUSHBUTTON;
 
 ButtonsPage::ButtonsPage(HWND parent, Desk& desk) : mDesk(desk) {
     create(parent, L"ObkPanelPage", text(Text::buttonsPage), WS_CHILD | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT);
-    int id = kFirstButtonId;
+    int id = panel::kFirstButton;
     for (HWND& button : mButtons) button = add(L"BUTTON", L"", kStyle | BS_MULTILINE, id++);
     mSpecialTitle = add(L"STATIC", text(Text::specialEvents), SS_LEFT);
-    id = kFirstSpecialId;
+    id = panel::kFirstSpecial;
     for (std::size_t i = 0; i < kSpecialCount; ++i)
         mSpecials[i] = add(L"BUTTON", text(kSpecials[i].label), kStyle, id++);
     refresh();
@@ -68,9 +69,10 @@ void ButtonsPage::layOut(int width, int height) {
 LRESULT ButtonsPage::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     const int id = LOWORD(wParam);
     if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
-        if (id >= kFirstButtonId && id < kFirstButtonId + kButtonCount) mDesk.pressButton(id - kFirstButtonId + 1);
-        if (id >= kFirstSpecialId && id < kFirstSpecialId + static_cast<int>(kSpecialCount)) {
-            mDesk.pressSpecial(kSpecials[id - kFirstSpecialId].event);
+        if (id >= panel::kFirstButton && id < panel::kFirstButton + kButtonCount)
+            mDesk.pressButton(id - panel::kFirstButton + 1);
+        if (id >= panel::kFirstSpecial && id < panel::kFirstSpecial + static_cast<int>(kSpecialCount)) {
+            mDesk.pressSpecial(kSpecials[id - panel::kFirstSpecial].event);
         }
         return 0;
     }

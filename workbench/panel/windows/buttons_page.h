@@ -10,8 +10,6 @@ namespace workbench {
 
 class ButtonsPage : public Pane {
   public:
-    static constexpr int kFirstButtonId = 200;  // button 1; the others follow
-    static constexpr int kFirstSpecialId = 300;
     static constexpr std::size_t kSpecialCount = 7;
 
     ButtonsPage(HWND parent, Desk& desk);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "workbench/panel/controls.h"
 #include "workbench/panel/windows/texts.h"
 
 namespace workbench {
@@ -48,7 +49,7 @@ Places placesIn(HWND window) {
 }  // namespace
 
 CapView::CapView(HWND parent, Desk& desk) : mDesk(desk) {
-    create(parent, L"ObkPanelCap", text(Text::capHint), WS_CHILD | WS_VISIBLE | WS_TABSTOP);
+    create(parent, panel::kCapClass, text(Text::capHint), WS_CHILD | WS_VISIBLE | WS_TABSTOP);
 }
 
 void CapView::grab(CapMotion motion, LPARAM place) {

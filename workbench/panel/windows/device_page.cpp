@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "workbench/panel/controls.h"
 #include "workbench/panel/windows/texts.h"
 #include "workbench/pipes/text.h"
 
@@ -25,15 +26,16 @@ DevicePage::DevicePage(HWND parent, Desk& desk)
     constexpr DWORD kButton = WS_TABSTOP | BS_PUSHBUTTON;
     for (std::size_t i = 0; i < mFields.size(); ++i) {
         mLabels[i] = add(L"STATIC", text(kLabels[i]), SS_LEFT | SS_CENTERIMAGE);
-        mFields[i] = add(L"EDIT", L"", WS_TABSTOP | ES_AUTOHSCROLL, kDevicesId + static_cast<int>(i), WS_EX_CLIENTEDGE);
+        mFields[i] =
+            add(L"EDIT", L"", WS_TABSTOP | ES_AUTOHSCROLL, panel::kFirstField + static_cast<int>(i), WS_EX_CLIENTEDGE);
     }
-    mApply = add(L"BUTTON", text(Text::apply), kButton, kApplyId);
-    mDie = add(L"BUTTON", text(Text::daemonDies), kButton, kDieId);
-    mReturn = add(L"BUTTON", text(Text::daemonReturns), kButton, kReturnId);
-    mRecord = add(L"BUTTON", text(Text::record), kButton, kRecordId);
+    mApply = add(L"BUTTON", text(Text::apply), kButton, panel::kApply);
+    mDie = add(L"BUTTON", text(Text::daemonDies), kButton, panel::kDie);
+    mReturn = add(L"BUTTON", text(Text::daemonReturns), kButton, panel::kReturn);
+    mRecord = add(L"BUTTON", text(Text::record), kButton, panel::kRecord);
     mApplicationsLabel = add(L"STATIC", text(Text::applications), SS_LEFT);
     mApplications =
-        add(L"LISTBOX", L"", WS_TABSTOP | WS_VSCROLL | LBS_NOINTEGRALHEIGHT, kApplicationsId, WS_EX_CLIENTEDGE);
+        add(L"LISTBOX", L"", WS_TABSTOP | WS_VSCROLL | LBS_NOINTEGRALHEIGHT, panel::kApplications, WS_EX_CLIENTEDGE);
     refresh();
 }
 
@@ -117,16 +119,16 @@ void DevicePage::layOut(int width, int height) {
 LRESULT DevicePage::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_COMMAND || HIWORD(wParam) != BN_CLICKED) return Pane::handle(message, wParam, lParam);
     switch (LOWORD(wParam)) {
-        case kApplyId:
+        case panel::kApply:
             apply();
             break;
-        case kDieId:
+        case panel::kDie:
             mDesk.send("die");
             break;
-        case kReturnId:
+        case panel::kReturn:
             mDesk.startDaemon();
             break;
-        case kRecordId:
+        case panel::kRecord:
             toggleRecord();
             break;
         default:

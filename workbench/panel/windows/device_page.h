@@ -11,9 +11,6 @@ namespace workbench {
 
 class DevicePage : public Pane {
   public:
-    static constexpr int kDevicesId = 500, kRotationId = 501, kFlagId = 502, kApplyId = 503, kDieId = 504,
-                         kReturnId = 505, kRecordId = 506, kApplicationsId = 507;
-
     DevicePage(HWND parent, Desk& desk);
     void refresh();     // the daemon's state is another one
     void takeSample();  // for the plot, in even times

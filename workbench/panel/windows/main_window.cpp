@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cwchar>
+#include <initializer_list>
 #include <sstream>
 
+#include "workbench/panel/controls.h"
 #include "workbench/panel/windows/texts.h"
 #include "workbench/pipes/text.h"
 
@@ -18,6 +20,7 @@ constexpr UINT_PTR kTimer = 1;
 constexpr UINT kSampleMs = 50;
 constexpr int kSamplesPerLook = 20;  // at the menu file
 constexpr int kLeastWidth = 520, kLeastHeight = 500;
+constexpr UINT kDpiChanged = 0x02E0;  // WM_DPICHANGED, which the headers have for newer systems only
 
 BOOL CALLBACK giveFont(HWND child, LPARAM) {
     SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(uiFont()), FALSE);
@@ -40,17 +43,17 @@ MainWindow::MainWindow(Desk& desk)
     for (std::size_t i = 0; i < kCapAxes; ++i) {
         const int number = static_cast<int>(i);
         mNames[i] = add(L"STATIC", kAxisNames[i], SS_LEFT | SS_CENTERIMAGE);
-        mSliders[i] = add(TRACKBAR_CLASSW, kAxisNames[i], WS_TABSTOP | TBS_NOTICKS, kFirstSliderId + number);
-        mNumbers[i] = add(L"STATIC", L"0", SS_RIGHT | SS_CENTERIMAGE, kFirstNumberId + number);
+        mSliders[i] = add(TRACKBAR_CLASSW, kAxisNames[i], WS_TABSTOP | TBS_NOTICKS, panel::kFirstSlider + number);
+        mNumbers[i] = add(L"STATIC", L"0", SS_RIGHT | SS_CENTERIMAGE, panel::kFirstNumber + number);
         SendMessageW(mSliders[i], TBM_SETRANGEMIN, FALSE, -kSteps);
         SendMessageW(mSliders[i], TBM_SETRANGEMAX, FALSE, kSteps);
     }
-    mHold = add(L"BUTTON", text(Text::hold), WS_TABSTOP | BS_AUTOCHECKBOX, kHoldId);
-    mRelease = add(L"BUTTON", text(Text::release), WS_TABSTOP | BS_PUSHBUTTON, kReleaseId);
+    mHold = add(L"BUTTON", text(Text::hold), WS_TABSTOP | BS_AUTOCHECKBOX, panel::kHold);
+    mRelease = add(L"BUTTON", text(Text::release), WS_TABSTOP | BS_PUSHBUTTON, panel::kRelease);
     mGainLabel = add(L"STATIC", text(Text::gain), SS_LEFT | SS_CENTERIMAGE);
-    mGain = add(TRACKBAR_CLASSW, text(Text::gain), WS_TABSTOP | TBS_NOTICKS, kGainId);
+    mGain = add(TRACKBAR_CLASSW, text(Text::gain), WS_TABSTOP | TBS_NOTICKS, panel::kGain);
     mCurveLabel = add(L"STATIC", text(Text::curve), SS_LEFT | SS_CENTERIMAGE);
-    mCurve = add(TRACKBAR_CLASSW, text(Text::curve), WS_TABSTOP | TBS_NOTICKS, kCurveId);
+    mCurve = add(TRACKBAR_CLASSW, text(Text::curve), WS_TABSTOP | TBS_NOTICKS, panel::kCurve);
     SendMessageW(mGain, TBM_SETRANGE, TRUE,
                  MAKELPARAM(static_cast<int>(CapState::kLeastGain * kSteps),
                             static_cast<int>(CapState::kGreatestGain * kSteps)));
@@ -59,7 +62,7 @@ MainWindow::MainWindow(Desk& desk)
                             static_cast<int>(CapState::kGreatestCurve * kSteps)));
     SendMessageW(mGain, TBM_SETPOS, TRUE, kSteps);
     SendMessageW(mCurve, TBM_SETPOS, TRUE, kSteps);
-    mTabs = add(WC_TABCONTROLW, L"", WS_TABSTOP | WS_CLIPSIBLINGS, kTabsId);
+    mTabs = add(WC_TABCONTROLW, L"", WS_TABSTOP | WS_CLIPSIBLINGS, panel::kTabs);
     int index = 0;
     for (const Text title : {Text::buttonsPage, Text::bindingsPage, Text::devicePage}) {
         TCITEMW item{};
@@ -67,7 +70,7 @@ MainWindow::MainWindow(Desk& desk)
         item.pszText = const_cast<wchar_t*>(text(title));  // only read
         SendMessageW(mTabs, TCM_INSERTITEMW, static_cast<WPARAM>(index++), reinterpret_cast<LPARAM>(&item));
     }
-    mStatus = add(L"STATIC", L"", SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_SUNKEN | SS_ENDELLIPSIS, kStatusId);
+    mStatus = add(L"STATIC", L"", SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_SUNKEN | SS_ENDELLIPSIS, panel::kStatus);
     mDesk.capMoved = [this] { showCap(); };
     mDesk.bindingsChanged = [this] {
         mButtons.refresh();
@@ -89,7 +92,7 @@ void MainWindow::show(const std::optional<RECT>& wanted) {
     SetWindowPos(window(), HWND_TOP, area.left, area.top, area.right - area.left, area.bottom - area.top, 0);
     ShowWindow(window(), SW_SHOW);
     SetFocus(mCap.window());
-    UpdateWindow(window());
+    RedrawWindow(window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
 }
 
 // The cap at the left and the pages beside it, or on a tall window the cap above them.
@@ -98,7 +101,7 @@ void MainWindow::layOut(int width, int height) {
     const int gap = px(8), status = px(24);
     const int inner = height - status;
     const bool isWide = width > inner * 5 / 4;
-    RECT cap{gap, gap, isWide ? std::min(width * 2 / 5, px(460)) : width - gap, isWide ? inner : inner * 2 / 5};
+    RECT cap{gap, gap, isWide ? std::min(width * 2 / 5, px(460)) : width - gap, isWide ? inner - gap : inner * 2 / 5};
     layOutCap(cap);
     RECT pages{isWide ? cap.right + gap : gap, isWide ? gap : cap.bottom + gap, width - gap, inner - gap};
     place(mTabs, pages.left, pages.top, pages.right - pages.left, pages.bottom - pages.top);
@@ -229,6 +232,8 @@ void MainWindow::rescale(int dpi, const RECT& area) {
     setDpi(dpi);
     EnumChildWindows(window(), giveFont, 0);
     place(window(), area.left, area.top, area.right - area.left, area.bottom - area.top);
+    for (Pane* pane : std::initializer_list<Pane*>{this, &mCap, &mButtons, &mBindings, &mDevice}) pane->layOutAgain();
+    RedrawWindow(window(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 LRESULT MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -237,10 +242,10 @@ LRESULT MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
             slide(reinterpret_cast<HWND>(lParam), LOWORD(wParam));
             return 0;
         case WM_COMMAND:
-            if (LOWORD(wParam) == kHoldId) {
+            if (LOWORD(wParam) == panel::kHold) {
                 const bool isHeld = SendMessageW(mHold, BM_GETCHECK, 0, 0) == BST_CHECKED;
                 mDesk.moveCap([isHeld](CapState& cap) { cap.setHold(isHeld); });
-            } else if (LOWORD(wParam) == kReleaseId || LOWORD(wParam) == IDCANCEL) {
+            } else if (LOWORD(wParam) == panel::kRelease || LOWORD(wParam) == IDCANCEL) {
                 mDesk.moveCap([](CapState& cap) { cap.releaseAll(); });
             }
             return 0;
@@ -265,7 +270,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_GETMINMAXINFO:
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {px(kLeastWidth), px(kLeastHeight)};
             return 0;
-        case 0x02E0:  // WM_DPICHANGED
+        case kDpiChanged:
             rescale(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return 0;
         case WM_DESTROY:

@@ -16,8 +16,6 @@ namespace workbench {
 
 class MainWindow : public Pane {
   public:
-    static constexpr int kFirstSliderId = 100, kHoldId = 110, kGainId = 111, kCurveId = 112, kReleaseId = 113,
-                         kTabsId = 114, kStatusId = 115, kFirstNumberId = 120;
     static constexpr UINT kDaemonChanged = WM_APP + 1;  // posted by whoever hears of it
 
     explicit MainWindow(Desk& desk);

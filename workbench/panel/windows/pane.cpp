@@ -47,12 +47,6 @@ class Tools {
 
 }  // namespace
 
-void letKnowDpi() {
-    const auto perMonitor = reinterpret_cast<HANDLE>(static_cast<INT_PTR>(-4));
-    const auto setContext = find<BOOL WINAPI(HANDLE)>("SetProcessDpiAwarenessContext");
-    if (setContext == nullptr || !setContext(perMonitor)) SetProcessDPIAware();
-}
-
 int dpiOf(HWND window) {
     if (const auto ask = find<UINT WINAPI(HWND)>("GetDpiForWindow")) return static_cast<int>(ask(window));
     const HDC screen = GetDC(nullptr);
@@ -94,6 +88,12 @@ HWND Pane::add(const wchar_t* className, const wchar_t* caption, DWORD style, in
     if (control == nullptr) throw std::runtime_error("a control cannot be made");
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(uiFont()), TRUE);
     return control;
+}
+
+void Pane::layOutAgain() {
+    RECT area{};
+    GetClientRect(mWindow, &area);
+    layOut(area.right, area.bottom);
 }
 
 LRESULT Pane::handle(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -8,12 +8,11 @@
 
 namespace workbench {
 
-// The scale of the screen that the panel is on.
+// The scale of the screen that the panel is on. The program's manifest says that it scales itself, on each screen.
 void setDpi(int dpi);
 int dpiOf(HWND window);
 int px(int pixels);  // of a 96 dpi screen
 HFONT uiFont();      // valid until the next setDpi
-void letKnowDpi();   // the process says that it scales itself; before any window is made
 
 class Pane {
   public:
@@ -23,6 +22,7 @@ class Pane {
     Pane& operator=(const Pane&) = delete;
 
     HWND window() const { return mWindow; }
+    void layOutAgain();  // also when the size is as before: in another scale
 
   protected:
     // Throws std::runtime_error when the window cannot be made.

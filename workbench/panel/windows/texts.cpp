@@ -46,6 +46,7 @@ constexpr Pair kTexts[] = {
     {L"&Undo", L"&R\u00FCckg\u00E4ngig"},
     {L"Button", L"Taste"},
     {L"Command", L"Befehl"},
+    {L"Name", L"Name"},
     {L"%u found", L"%u gefunden"},
     {L"There is no menu file yet (the plug-in makes it at Creo\u2019s first start): ",
      L"Es gibt noch keine Men\u00FCdatei (das Plug-in legt sie beim ersten Start von Creo an): "},

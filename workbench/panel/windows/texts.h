@@ -39,6 +39,7 @@ enum class Text : std::size_t {
     undo,
     button,
     command,
+    commandName,
     found,
     noMenuFile,
     partialMenuFile,
