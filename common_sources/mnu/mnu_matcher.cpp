@@ -43,7 +43,7 @@ inline NameFinder::StateId NameFinder::step(StateId state, char c) const {
         const StateId child = mStates[state].base + kindOf(c);
         if (mStates[child].parent == state) return child;
         if (state == kStart) return kStart;
-        state = mStates[state].fallback;
+        state = mEndings[state].fallback;
     }
 }
 
@@ -67,7 +67,7 @@ std::vector<NameFinder::Hit> NameFinder::find(std::string_view text, const std::
             state = step(state, text[i++]);
         }
         // A name that was reported in this pass has reported the shorter ones it ends with, too.
-        for (NameId id = mStates[state].longest; id != kNoName && mNames[id].lastPass != mPass; id = mNames[id].next) {
+        for (NameId id = mEndings[state].longest; id != kNoName && mNames[id].lastPass != mPass; id = mNames[id].next) {
             mNames[id].lastPass = mPass;
             hits.push_back({id, i - mNames[id].length});
         }
@@ -101,12 +101,13 @@ void NameFinder::findKinds() {
 
 void NameFinder::makeStates() {
     mStates.assign(1, {});
+    mEndings.assign(1, {});
     StateId firstGap = 1;
     std::vector<std::pair<Node, StateId>> open{{kRoot, kStart}};
     while (!open.empty()) {
         const auto [node, state] = open.back();
         open.pop_back();
-        mStates[state].longest = mTree[node].name;
+        mEndings[state].longest = mTree[node].name;
         while (firstGap < mStates.size() && mStates[firstGap].parent != kNone) ++firstGap;
         const StateId base = findBase(node, firstGap);
         mStates[state].base = base;
@@ -133,7 +134,10 @@ NameFinder::StateId NameFinder::findBase(Node node, StateId firstGap) {
     const StateId end = base + kMostTries;
     while (base != end && !fits(base)) ++base;
     if (base == end) base = static_cast<StateId>(mStates.size());
-    if (mStates.size() < base + mKindCount) mStates.resize(base + mKindCount);
+    if (mStates.size() < base + mKindCount) {
+        mStates.resize(base + mKindCount);
+        mEndings.resize(base + mKindCount);
+    }
     return base;
 }
 
@@ -146,10 +150,10 @@ void NameFinder::linkFallbacks() {
             for (Node node = mTree[parent].firstChild; node != kRoot; node = mTree[node].nextSibling) {
                 const char last = mTree[node].last;
                 const StateId id = step(parentState, last);
-                State& state = mStates[id];
-                if (parent != kRoot) state.fallback = step(mStates[parentState].fallback, last);
-                NameId& next = state.longest != kNoName ? mNames[state.longest].next : state.longest;
-                next = mStates[state.fallback].longest;
+                Ending& ending = mEndings[id];
+                if (parent != kRoot) ending.fallback = step(mEndings[parentState].fallback, last);
+                NameId& next = ending.longest != kNoName ? mNames[ending.longest].next : ending.longest;
+                next = mEndings[ending.fallback].longest;
                 below.emplace_back(node, id);
             }
         }
@@ -180,7 +184,8 @@ std::size_t NameFinder::nextShared(std::string_view text, std::size_t at) const 
     for (; at + size - 1 + kPlaces <= text.size(); at += kPlaces) {
         const char* const begin = text.data() + at;
         const char* const end = begin + size - 1;
-        // Without a branch, which the compiler does for all places at once.
+        // By first and last character, letter case roughly left out, and without a branch: the compiler takes all
+        // places at once.
         std::array<std::uint8_t, kPlaces> isCandidate;
         for (std::size_t i = 0; i < kPlaces; ++i) {
             isCandidate[i] = ((begin[i] | kLower) == first) & ((end[i] | kLower) == last);

@@ -53,11 +53,13 @@ class NameFinder {
     using Kind = std::uint8_t;            // of characters: 0 for those in no name, the same for both letter cases
     static constexpr StateId kStart = 0;  // the empty beginning
     static constexpr StateId kNone = ~StateId{0};
-    struct State {
-        StateId base = 0;           // a child's id is this and the kind of the character that leads to it ...
-        StateId parent = kNone;     // ... if that is the child's parent; kNone in a gap, and of kStart
-        StateId fallback = kStart;  // longest shorter beginning that this one ends with
-        NameId longest = kNoName;   // longest name that this one ends with, itself included
+    struct State {               // what each step reads
+        StateId base = 0;        // a child's id is this and the kind of the character that leads to it ...
+        StateId parent = kNone;  // ... if that is the child's parent; kNone in a gap, and of kStart
+    };
+    struct Ending {                 // what the beginning of the state with the same id ends with
+        StateId fallback = kStart;  // the longest shorter beginning
+        NameId longest = kNoName;   // the longest name, which may be all of it
     };
     struct Name {
         std::uint32_t length;
@@ -82,6 +84,7 @@ class NameFinder {
     std::array<Kind, 256> mKinds{};  // this and what follows: of the tree when it was prepared
     std::size_t mKindCount = 0;
     std::vector<State> mStates;
+    std::vector<Ending> mEndings;
     StateId mShared = kStart;  // the longest beginning of all names, if it is not too long
     std::string mSharedText;   // of it, upper case
     std::uint32_t mPass = 0;
