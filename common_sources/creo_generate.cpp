@@ -1,11 +1,12 @@
-// First start: has the menu file generated from Creo's compiled resource libraries. Reading libraries and writing a
-// file need no toolkit, so this runs on a thread of its own and Creo's message loop goes on; the timer looks whether
-// it has ended.
+// First start: has the menu file generated from Creo's compiled resource libraries, and read. Files need no toolkit, so
+// this runs on a thread of its own and Creo's message loop goes on; the timer looks whether it has ended.
 #include <pthread.h>
 #include <windows.h>
 
 #include <atomic>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "OB_Daemon/src/logging.h"
 #include "common_sources/creo_proxy.h"
@@ -13,7 +14,9 @@
 #include "common_sources/hand_over.h"
 #include "common_sources/load_point.h"
 #include "common_sources/mnu/mnu_parser.h"
+#include "common_sources/mnu/mnu_reader.h"
 #include "common_sources/settings.h"
+#include "config/cnfg.h"
 
 namespace {
 
@@ -46,8 +49,15 @@ struct CreoProxy::GenerationJob {
     std::string language;
     const std::atomic<bool>* isCancelled;
     std::atomic<bool> isRunning{true};
-    bool hasSucceeded = false;  // valid once isRunning is false
+    bool hasSucceeded = false;                 // this and what follows: valid once isRunning is false
+    std::unique_ptr<MenuFileContent> content;  // of the file; null when it could not be read
     pthread_t thread{};
+
+    void readMenuFile() {
+        Cnfg file(menuFile);
+        auto read = std::make_unique<MenuFileContent>(readMenuFileContent(file));
+        if (file.isOpen() && read->isWhole) content = std::move(read);
+    }
 };
 
 // Starts the generation; once it runs, tells how it stands, and forgets it when it has ended.
@@ -55,6 +65,7 @@ CreoProxy::Generation CreoProxy::createMNUFile(const std::string& path) {
     if (mGeneration != nullptr) {
         if (mGeneration->isRunning) return Generation::running;
         const bool hasSucceeded = mGeneration->hasSucceeded;
+        mGeneratedContent = std::move(mGeneration->content);
         endGeneration();
         return hasSucceeded ? Generation::succeeded : Generation::failed;
     }
@@ -85,6 +96,7 @@ void* CreoProxy::generationEntry(void* generation) {
         MNUParser parser;
         return parser.CreateMNU(job->progress, job->menuFile, job->resourceFolder, job->language, job->isCancelled);
     });
+    if (job->hasSucceeded) atEdge({kLogClass, "generationEntry"}, [job] { job->readMenuFile(); });
     job->isRunning = false;
     return nullptr;
 }

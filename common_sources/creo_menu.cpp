@@ -1,4 +1,5 @@
 // Reads the menu file into the table by which a button's function index becomes a command.
+#include <memory>
 #include <utility>
 
 #include "OB_Daemon/src/logging.h"
@@ -41,6 +42,11 @@ bool CreoProxy::isMenuFileAwaited() const {
 void CreoProxy::loadMenufile() {
     const std::string path = mSettings.settingsDirPath() + kPathSeparator + kMenuFile;
     if (!generateMenuFile(path)) return;
+    if (const auto content = std::exchange(mGeneratedContent, nullptr)) {
+        OB_LOG(LogLevel::DBG) << "Loading menu file ...";
+        takeMenuFile(std::move(*content), path);
+        return;
+    }
     // Another program may hold the file just now, and memory may be short: later ticks try again, for a while.
     const auto now = std::chrono::steady_clock::now();
     const bool isFirstTry = !mMenuFileDeadline.has_value();
@@ -82,9 +88,13 @@ bool CreoProxy::readMenuFile(Cnfg& file, const std::string& path) {
     OB_LOG(LogLevel::DBG) << "Loading menu file ...";
     MenuFileContent content = readMenuFileContent(file);
     if (!content.isWhole) return false;
+    takeMenuFile(std::move(content), path);
+    return true;
+}
+
+void CreoProxy::takeMenuFile(MenuFileContent content, const std::string& path) {
     mHandOver.publishModeNames(std::move(content.modeNames));
     mMenuFunctions = std::move(content.commands);
     OB_LOG(LogLevel::TRC) << "Menu file '" << path << "' with " << mMenuFunctions.size() << " entries loaded.";
     tellMistakes(path, mMenuFunctions.size(), content.ownLanguage, mSettings.mMNULanguage);
-    return true;
 }

@@ -133,6 +133,7 @@ class CreoProxy {
     bool transformOnce();
     bool generateMenuFile(const std::string& path);
     bool readMenuFile(Cnfg& file, const std::string& path);
+    void takeMenuFile(MenuFileContent content, const std::string& path);
     Generation createMNUFile(const std::string& path);
     void endGeneration();
     static void* generationEntry(void* proxy);
@@ -159,4 +160,6 @@ class CreoProxy {
     std::optional<std::chrono::steady_clock::time_point> mMenuFileDeadline;
     struct GenerationJob;
     std::shared_ptr<GenerationJob> mGeneration;  // null unless the menu file is being generated
+    // What the generating thread has read of the file it made, until it is taken; null when it could not be read.
+    std::unique_ptr<MenuFileContent> mGeneratedContent;
 };

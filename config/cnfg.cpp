@@ -6,7 +6,7 @@ namespace {
 
 constexpr char kComment = '#';
 constexpr std::string_view kSeparators = "=\t";
-constexpr std::string_view kCommentOrLineEnd = "#\r\n";
+constexpr std::string_view kCommentOrReturn = "#\r";
 
 constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 constexpr bool isSeparator(char c) { return c == '=' || c == '\t'; }
@@ -50,7 +50,7 @@ Cnfg::Line Cnfg::split(std::string_view line) {
     }
     const auto key = before(line, kSeparators);
     result.key = trimEnd(key, [](char c) { return c == ' '; });
-    const auto value = before(trimStart(line.substr(key.size()), isSeparator), kCommentOrLineEnd);
+    const auto value = before(trimStart(line.substr(key.size()), isSeparator), kCommentOrReturn);
     result.value = trimEnd(trimStart(value, isBlank), isBlank);
     return result;
 }

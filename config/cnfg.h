@@ -42,7 +42,7 @@ class Cnfg {
     // Text of the last call's error.
     std::string errorText() const;
 
-    // How a single line is read; the texts point into it.
+    // How a single line, without its line feed, is read; the texts point into it.
     struct Line {
         std::string_view section;  // name of a section header
         std::string_view key;      // empty when the line has no key

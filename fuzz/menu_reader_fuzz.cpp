@@ -13,25 +13,6 @@
 #include "fuzz/check.h"
 #include "tests/unit/plain_reader.h"
 
-namespace {
-
-std::string plainCommand(const std::string& value) {
-    std::string command;
-    bool isBehindBrace = value.find('}') == std::string::npos;
-    for (const char c : value) {
-        if (!isBehindBrace) {
-            isBehindBrace = c == '}';
-        } else if (c == '|') {
-            break;
-        } else {
-            command += c;
-        }
-    }
-    return command;
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string path = "/tmp/orbikon_menu_reader_fuzz." + std::to_string(getpid());
     const std::string text(reinterpret_cast<const char*>(data), size);
@@ -42,9 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     std::vector<std::string> modes, commands;
     for (const auto& [key, value] : plain::section(text, "Modes")) modes.push_back(key);
-    for (const auto& [key, value] : plain::section(text, "MenuBar")) {
-        if (const auto command = plainCommand(value); !command.empty()) commands.push_back(command);
-    }
+    for (const auto& item : plain::menuItems(text)) commands.push_back(item.command);
     check(content.modeNames == modes);
     check(plain::textsOf(content.commands) == commands);
     if (text.find('\r') != std::string::npos) return 0;  // a line of one alone counts on Windows only

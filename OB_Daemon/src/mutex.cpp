@@ -37,7 +37,7 @@ Mutex::~Mutex() {
 }
 
 int Mutex::lock() {
-    mLockRequested = true;
+    mLockRequested.store(true, std::memory_order_relaxed);
     const int status = sem_wait(&mSemaphore);
     if (status != 0) {
         tell(stderr,

@@ -1,6 +1,7 @@
 #include "common_sources/mnu/mnu_matcher.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 #include "common_sources/mnu/mnu_text.h"
@@ -9,8 +10,9 @@ namespace {
 
 constexpr std::size_t kCancelStride = std::size_t{64} * 1024;  // characters between two looks at the cancel flag
 
-constexpr std::size_t kAfterEnd = 256;   // index of the step from a place that ends like the shared beginning
-constexpr std::size_t kMostShared = 16;  // characters, so that each place costs little at worst
+constexpr std::size_t kMostShared = 16;   // characters, so that each place costs little at worst
+constexpr std::size_t kPlaces = 16;       // that are looked at together
+constexpr std::uint32_t kMostTries = 64;  // for a place among other states
 
 }  // namespace
 
@@ -36,6 +38,15 @@ NameFinder::NameId NameFinder::add(std::string_view name) {
     return mTree[node].name;
 }
 
+inline NameFinder::StateId NameFinder::step(StateId state, char c) const {
+    for (;;) {
+        const StateId child = mStates[state].base + kindOf(c);
+        if (mStates[child].parent == state) return child;
+        if (state == kStart) return kStart;
+        state = mEndings[state].fallback;
+    }
+}
+
 std::vector<NameFinder::Hit> NameFinder::find(std::string_view text, const std::atomic<bool>* cancel) {
     if (!mIsPrepared) prepare();
     ++mPass;
@@ -53,10 +64,10 @@ std::vector<NameFinder::Hit> NameFinder::find(std::string_view text, const std::
             i += mSharedText.size();
             state = mShared;
         } else {
-            state = step(state, asciiUpper(text[i++]));
+            state = step(state, text[i++]);
         }
         // A name that was reported in this pass has reported the shorter ones it ends with, too.
-        for (NameId id = mStates[state].longest; id != kNoName && mNames[id].lastPass != mPass; id = mNames[id].next) {
+        for (NameId id = mEndings[state].longest; id != kNoName && mNames[id].lastPass != mPass; id = mNames[id].next) {
             mNames[id].lastPass = mPass;
             hits.push_back({id, i - mNames[id].length});
         }
@@ -70,52 +81,80 @@ NameFinder::Node NameFinder::childOf(Node node, char c) const {
     return child;
 }
 
-NameFinder::StateId NameFinder::step(StateId state, char c) const {
-    for (;;) {
-        const State& at = mStates[state];
-        const StateId end = at.firstChild + at.childCount;
-        for (StateId child = at.firstChild; child != end; ++child) {
-            if (mStates[child].last == c) return child;
-        }
-        if (state == kStart) return kStart;
-        state = at.fallback;
-    }
-}
-
 void NameFinder::prepare() {
+    findKinds();
     makeStates();
     linkFallbacks();
     findSharedBeginning();
     mIsPrepared = true;
 }
 
+// In the order of the characters: digits, say, are close together in the states, too.
+void NameFinder::findKinds() {
+    std::array<bool, 256> isUsed{};
+    for (Node node = kRoot + 1; node < mTree.size(); ++node)
+        isUsed[static_cast<unsigned char>(mTree[node].last)] = true;
+    mKindCount = 1;
+    for (std::size_t c = 0; c < 256; ++c) mKinds[c] = isUsed[c] ? static_cast<Kind>(mKindCount++) : Kind{0};
+    for (unsigned char c = 'a'; c <= 'z'; ++c) mKinds[c] = kindOf(asciiUpper(static_cast<char>(c)));
+}
+
 void NameFinder::makeStates() {
     mStates.assign(1, {});
+    mEndings.assign(1, {});
+    StateId firstGap = 1;
     std::vector<std::pair<Node, StateId>> open{{kRoot, kStart}};
     while (!open.empty()) {
         const auto [node, state] = open.back();
         open.pop_back();
-        mStates[state].firstChild = static_cast<StateId>(mStates.size());
+        mEndings[state].longest = mTree[node].name;
+        while (firstGap < mStates.size() && mStates[firstGap].parent != kNone) ++firstGap;
+        const StateId base = findBase(node, firstGap);
+        mStates[state].base = base;
         for (Node child = mTree[node].firstChild; child != kRoot; child = mTree[child].nextSibling) {
-            open.emplace_back(child, static_cast<StateId>(mStates.size()));
-            mStates.push_back({.last = mTree[child].last, .longest = mTree[child].name});
-            ++mStates[state].childCount;
+            const StateId id = base + kindOf(mTree[child].last);
+            mStates[id].parent = state;
+            open.emplace_back(child, id);
         }
     }
 }
 
+// A base for which the places of all children are gaps; behind all states when it is not found soon.
+NameFinder::StateId NameFinder::findBase(Node node, StateId firstGap) {
+    const Node first = mTree[node].firstChild;
+    if (first == kRoot) return 0;
+    const Kind kind = kindOf(mTree[first].last);
+    const auto isGap = [this](std::size_t place) { return place >= mStates.size() || mStates[place].parent == kNone; };
+    const auto fits = [&](StateId base) {
+        Node child = first;
+        while (child != kRoot && isGap(base + kindOf(mTree[child].last))) child = mTree[child].nextSibling;
+        return child == kRoot;
+    };
+    StateId base = firstGap > kind ? firstGap - kind : 0;
+    const StateId end = base + kMostTries;
+    while (base != end && !fits(base)) ++base;
+    if (base == end) base = static_cast<StateId>(mStates.size());
+    if (mStates.size() < base + mKindCount) {
+        mStates.resize(base + mKindCount);
+        mEndings.resize(base + mKindCount);
+    }
+    return base;
+}
+
 // Breadth first: a state's fallback is shorter than the state, so it is linked already.
 void NameFinder::linkFallbacks() {
-    std::vector<StateId> level{kStart};
+    std::vector<std::pair<Node, StateId>> level{{kRoot, kStart}};
     while (!level.empty()) {
-        std::vector<StateId> below;
-        for (const StateId parent : level) {
-            for (StateId i = 0; i < mStates[parent].childCount; ++i) {
-                State& child = mStates[mStates[parent].firstChild + i];
-                if (parent != kStart) child.fallback = step(mStates[parent].fallback, child.last);
-                NameId& next = child.longest != kNoName ? mNames[child.longest].next : child.longest;
-                next = mStates[child.fallback].longest;
-                below.push_back(mStates[parent].firstChild + i);
+        std::vector<std::pair<Node, StateId>> below;
+        for (const auto& [parent, parentState] : level) {
+            for (Node node = mTree[parent].firstChild; node != kRoot; node = mTree[node].nextSibling) {
+                const char last = mTree[node].last;
+                const StateId id = step(parentState, last);
+                Ending& ending = mEndings[id];
+                if (parent != kRoot) ending.fallback = step(mEndings[parentState].fallback, last);
+                NameId& next = ending.longest != kNoName ? mNames[ending.longest].next : ending.longest;
+                next = mEndings[ending.fallback].longest;
+                below.emplace_back(node, id);
             }
         }
         level = std::move(below);
@@ -125,37 +164,40 @@ void NameFinder::linkFallbacks() {
 void NameFinder::findSharedBeginning() {
     mShared = kStart;
     mSharedText.clear();
-    while (mStates[mShared].childCount == 1 && mStates[mShared].longest == kNoName &&
-           mSharedText.size() < kMostShared) {
-        mShared = mStates[mShared].firstChild;
-        mSharedText += mStates[mShared].last;
+    for (Node node = kRoot; mTree[node].name == kNoName && mSharedText.size() < kMostShared;) {
+        node = mTree[node].firstChild;
+        if (node == kRoot || mTree[node].nextSibling != kRoot) break;
+        mSharedText += mTree[node].last;
+        mShared = step(mShared, mTree[node].last);
     }
-    const auto size = static_cast<std::uint32_t>(mSharedText.size());
-    mSharedSteps.fill(size);
-    const auto setStep = [this](char upper, std::uint32_t step) {
-        for (std::size_t c = 0; c < 256; ++c) {
-            if (asciiUpper(static_cast<char>(c)) == upper) mSharedSteps[c] = step;
-        }
-    };
-    for (std::uint32_t i = 0; i + 1 < size; ++i) {
-        setStep(mSharedText[i], size - 1 - i);
-        if (mSharedText[i] == mSharedText.back()) mSharedSteps[kAfterEnd] = size - 1 - i;
-    }
-    if (size != 0) setStep(mSharedText.back(), 0);
+}
+
+bool NameFinder::isSharedAt(const char* text) const {
+    return std::ranges::all_of(mSharedText, [&text](char upper) { return asciiUpper(*text++) == upper; });
 }
 
 // The next place where all names' beginning stands; npos when there is none.
 std::size_t NameFinder::nextShared(std::string_view text, std::size_t at) const {
+    constexpr int kLower = 'a' - 'A';
     const std::size_t size = mSharedText.size();
-    while (at + size <= text.size()) {
-        std::uint32_t step = mSharedSteps[static_cast<unsigned char>(text[at + size - 1])];
-        if (step == 0) {
-            std::size_t same = 0;
-            while (same < size && asciiUpper(text[at + same]) == mSharedText[same]) ++same;
-            if (same == size) return at;
-            step = mSharedSteps[kAfterEnd];
+    const int first = mSharedText.front() | kLower, last = mSharedText.back() | kLower;
+    for (; at + size - 1 + kPlaces <= text.size(); at += kPlaces) {
+        const char* const begin = text.data() + at;
+        const char* const end = begin + size - 1;
+        // By first and last character, letter case roughly left out, and without a branch: the compiler takes all
+        // places at once.
+        std::array<std::uint8_t, kPlaces> isCandidate;
+        for (std::size_t i = 0; i < kPlaces; ++i) {
+            isCandidate[i] = ((begin[i] | kLower) == first) & ((end[i] | kLower) == last);
         }
-        at += step;
+        const auto [low, high] = std::bit_cast<std::array<std::uint64_t, 2>>(isCandidate);
+        if ((low | high) == 0) continue;
+        for (std::size_t i = 0; i < kPlaces; ++i) {
+            if (isCandidate[i] && isSharedAt(begin + i)) return at + i;
+        }
+    }
+    for (; at + size <= text.size(); ++at) {
+        if (isSharedAt(text.data() + at)) return at;
     }
     return text.npos;
 }

@@ -14,8 +14,8 @@
 //
 // The names form a tree of their beginnings, and each beginning knows the longest other one that it ends with
 // (Aho and Corasick), so a pass costs what the text's length and the number of names in it cost, however many names
-// there are. Where nothing has begun, the pass jumps to the next place with the beginning that all names share, in
-// steps of up to its length (Horspool). One thread at a time.
+// there are. Where nothing has begun, the pass jumps to the next place with the beginning that all names share. One
+// thread at a time.
 class NameFinder {
   public:
     using NameId = std::uint32_t;
@@ -47,16 +47,19 @@ class NameFinder {
         NameId name = kNoName;  // that ends here
     };
 
-    // The same for passes: small, those with the same parent side by side, and an only child behind its parent, so that
-    // a pass stays in the cache.
+    // The same for passes, as a double array: a step is an addition and a comparison, whatever the number of children,
+    // and there are few gaps, so that a pass stays in the cache.
     using StateId = std::uint32_t;
+    using Kind = std::uint8_t;            // of characters: 0 for those in no name, the same for both letter cases
     static constexpr StateId kStart = 0;  // the empty beginning
-    struct State {
-        char last = 0;
-        std::uint8_t childCount = 0;  // there are fewer than 256 upper-case characters
-        StateId firstChild = kStart;
-        StateId fallback = kStart;  // longest shorter beginning that this one ends with
-        NameId longest = kNoName;   // longest name that this one ends with, itself included
+    static constexpr StateId kNone = ~StateId{0};
+    struct State {               // what each step reads
+        StateId base = 0;        // a child's id is this and the kind of the character that leads to it ...
+        StateId parent = kNone;  // ... if that is the child's parent; kNone in a gap, and of kStart
+    };
+    struct Ending {                 // what the beginning of the state with the same id ends with
+        StateId fallback = kStart;  // the longest shorter beginning
+        NameId longest = kNoName;   // the longest name, which may be all of it
     };
     struct Name {
         std::uint32_t length;
@@ -65,21 +68,25 @@ class NameFinder {
     };
 
     Node childOf(Node node, char c) const;
+    Kind kindOf(char c) const { return mKinds[static_cast<unsigned char>(c)]; }
     StateId step(StateId state, char c) const;
     void prepare();
+    void findKinds();
     void makeStates();
+    StateId findBase(Node node, StateId firstGap);
     void linkFallbacks();
     void findSharedBeginning();
+    bool isSharedAt(const char* text) const;
     std::size_t nextShared(std::string_view text, std::size_t at) const;
 
     std::vector<Beginning> mTree;
-    std::vector<Name> mNames;    // by id
-    std::vector<State> mStates;  // this and what follows: of the tree when it was prepared
-    StateId mShared = kStart;    // the longest beginning of all names, if it is not too long
-    std::string mSharedText;     // of it, upper case
-    // By the character at its end, how far it is at least to the next place of it; 0 for its own last character, from
-    // which it is the last one here.
-    std::array<std::uint32_t, 257> mSharedSteps{};
+    std::vector<Name> mNames;        // by id
+    std::array<Kind, 256> mKinds{};  // this and what follows: of the tree when it was prepared
+    std::size_t mKindCount = 0;
+    std::vector<State> mStates;
+    std::vector<Ending> mEndings;
+    StateId mShared = kStart;  // the longest beginning of all names, if it is not too long
+    std::string mSharedText;   // of it, upper case
     std::uint32_t mPass = 0;
     bool mIsPrepared = false;
 };

@@ -188,23 +188,35 @@ class LargeInstallation : public ::testing::Test {
     }
 };
 
-// Generation takes a fraction of a second, so it may take some starts to be there in its middle.
+// Generation takes a fraction of a second, so it may take some starts to be there in its middle. In every second one
+// the cap is pushed and a button pressed meanwhile: nothing harmful. In the others the longest block is measured, since
+// it is the host itself that draws the moving view.
 TEST_F(LargeInstallation, ShowsItsProgressAndDoesNotHoldTheHost) {
     Bench bench(options(), german());
+    std::printf("the host's thread loads the plug-in in %s us, its user_initialize takes %s us\n",
+                bench.status("plugin_load_us").c_str(), bench.status("plugin_start_us").c_str());
     std::optional<ProgressFrame> seen;
     int longestBlock = 0;
-    for (int start = 0; !seen; ++start) {
+    for (int start = 0; !seen || start < 2; ++start) {
         ASSERT_LT(start, kMostStarts) << "no progress window was seen";
         startAfresh(bench);
         bench.host("blocked");
-        ASSERT_TRUE(waitFor([&] { return (seen = progressFrame()) || isThere(bench.menuFile()); }));
-        bench.push(0, 0, 0, 0, 200, 0);  // pushed and pressed meanwhile: nothing harmful
-        ASSERT_TRUE(waitFor([&] { return bench.askDaemon("event 0x20022").isOk; }));
+        const auto frame = [&] {
+            const auto now = progressFrame();
+            if (now) seen = now;
+            return now.has_value();
+        };
+        ASSERT_TRUE(waitFor([&] { return frame() || isThere(bench.menuFile()); }));
+        const bool isPushed = start % 2 != 0;
+        if (isPushed) {
+            bench.push(0, 0, 0, 0, 200, 0);
+            ASSERT_TRUE(waitFor([&] { return bench.askDaemon("event 0x20022").isOk; }));
+        }
         EXPECT_TRUE(isWhole(newMenuFile(bench)));
         EXPECT_TRUE(waitFor([&] { return FindWindowA(kProgressClass, nullptr) == nullptr; }));
+        if (!isPushed) longestBlock = std::max(longestBlock, std::stoi(bench.host("blocked").at(0)));
         bench.push(0, 0, 0, 0, 0, 0);
         EXPECT_TRUE(bench.isHostRunning());
-        longestBlock = std::max(longestBlock, std::stoi(bench.host("blocked").at(0)));
     }
     EXPECT_EQ(seen->title, "Orbikon");
     EXPECT_TRUE(seen->isTopmost);

@@ -65,7 +65,8 @@ TEST(MenuTables, APaneCountsFromWhenItCame) {
     EXPECT_THAT(commandsOf(tables.menus(), "0A"), ElementsAre("ProCmdOld", "ProCmdNew", "ProCmdNew"));
 }
 
-// Short names over few letters, so that names hold each other, overlap and repeat; panes come, go and come again.
+// Short names over few letters, so that names hold each other, overlap and repeat, with a common beginning or without;
+// panes come, go and come again.
 TEST(MenuTables, EqualsThePlainSearchOnRandomData) {
     std::mt19937 random(42);
     const auto word = [&random](std::string_view letters, std::size_t longest) {
@@ -73,18 +74,20 @@ TEST(MenuTables, EqualsThePlainSearchOnRandomData) {
         for (auto size = 1 + random() % longest; size > 0; --size) result += letters[random() % letters.size()];
         return result;
     };
-    for (int round = 0; round < 300; ++round) {
+    for (int round = 0; round < 400; ++round) {
+        const std::string beginning = round % 4 == 0 ? "" : word("AB@", 3);
         MenuTables tables;
         PlainMenus plain;
         for (int step = 0; step < 60; ++step) {
             const auto kind = random() % 10;
             if (kind < 3) {
                 const std::string key = "0" + word("AB", 2);
-                const std::string text = word("aAbBpP_", 80);
+                std::string text;
+                for (auto parts = random() % 8; parts > 0; --parts) text += word("aAbBpP_@`", 40) + beginning;
                 tables.setPane(key, text);
                 plain.setPane(key, text);
             } else if (kind < 9) {
-                CommandRecord record = command(word("ABP_", 5), std::to_string(step));
+                CommandRecord record = command(beginning + word("ABP_", 5), std::to_string(step));
                 if (random() % 5 == 0) record.command = "given";
                 tables.addCommand(record);
                 plain.addCommand(record);

@@ -2,6 +2,16 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iomanip>
+#include <iterator>
+#include <map>
+#include <random>
+#include <sstream>
+
+#include "common_sources/mnu/mnu_format.h"
+#include "common_sources/mnu/mnu_own_entries.h"
 #include "common_sources/mnu/mnu_parser.h"
 #include "common_sources/mnu/mnu_reader.h"
 #include "config/cnfg.h"
@@ -219,6 +229,107 @@ TEST_F(MenuFile, SubstitutesFourCommands) {
         ASSERT_EQ(writeMenuFile(path, {{"0M", {&record}}}, {}), std::nullopt);
         EXPECT_EQ(commandsReadBack().back(), written);
         std::filesystem::remove(path);
+    }
+}
+
+// The file as a stream writes it, line by line and each menu for itself.
+std::string plainMenuFile(const MenuTables::Menus& menus, bool isGerman) {
+    std::map<std::string, std::vector<CommandRecord>> readable;
+    std::size_t longest = 0;
+    for (const auto& [key, records] : menus) {
+        for (const CommandRecord* record : records) {
+            if (unreadableReason(*record)) continue;
+            readable[key].push_back(*record);
+            longest = std::max(longest, record->label.size());
+        }
+    }
+    std::ostringstream out;
+    const auto entry = [&](std::string_view key, const auto&... value) {
+        out << std::left << std::setw(static_cast<int>(longest) + 5) << key << "= ";
+        (out << ... << value) << "\n";
+    };
+    out << "# PTC Creo menubar file\n \n[Modes]\n";
+    for (int i = 0; i < std::ssize(mnu_format::kModes); ++i) entry(mnu_format::kModes[i], i + 1);
+    out << " \n[MenuBar]\n";
+    entry("0Orbikon", "{}");
+    for (const auto& [key, value] : isGerman ? mnu_format::kOwnGermanItems : mnu_format::kOwnItems) entry(key, value);
+    for (auto& [key, records] : readable) {
+        entry(key, "{}");
+        std::ranges::stable_sort(records, {}, &CommandRecord::label);
+        for (const CommandRecord& record : records) {
+            const bool isShaded = record.command == "ProCmdViewShaded";
+            entry(record.label, "{}", isShaded ? "ProCmdEnvMdlDisp*Shading" : record.command, "|", record.helpText);
+        }
+    }
+    out << " ";
+    return out.str();
+}
+
+// Each command in several menus, labels that are equal, longer than others or unreadable, and enough of them to be
+// written in several pieces.
+TEST_F(MenuFile, EqualsThePlainFileOnRandomMenus) {
+    constexpr std::string_view kPieces[] = {"a", "A", "ab", "b ", "\xfc", "|", "}",
+                                            "#", "=", "\t", "\n", "  ",   "x", "yz"};
+    std::mt19937 random(5);
+    const auto text = [&](std::size_t most) {
+        std::string result;
+        for (auto count = random() % (most + 1); count > 0; --count) result += kPieces[random() % std::size(kPieces)];
+        return result;
+    };
+    for (int round = 0; round < 200; ++round) {
+        std::vector<CommandRecord> records(1 + random() % (round % 50 == 0 ? 500 : 20));
+        for (CommandRecord& record : records) {
+            const std::string command = random() % 9 == 0 ? "ProCmdViewShaded" : "ProCmd" + text(1);
+            record = {"X", command, text(3), text(3) + std::string(round % 50 == 0 ? random() % 500 : 0, 'h')};
+        }
+        MenuTables::Menus menus;
+        for (auto count = random() % 6; count > 0; --count) {
+            auto& menu = menus["0" + text(2)];
+            for (const CommandRecord& record : records) {
+                if (random() % 2 == 0) menu.push_back(&record);
+            }
+        }
+        const bool isGerman = random() % 2 == 0;
+        ASSERT_EQ(writeMenuFile(path, menus, {.isGerman = isGerman}), std::nullopt);
+        ASSERT_EQ(bytesOf(path), inTextMode(plainMenuFile(menus, isGerman))) << round;
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(MenuFile, ReadingEqualsThePlainReadingOnRandomFiles) {
+    constexpr std::string_view kPieces[] = {"[Modes]\n",   "[MenuBar]\n",
+                                            "[MenuBar]\n", "0A",
+                                            "label",       "= ",
+                                            "= {}",        "=",
+                                            "{+ 6}",       "}",
+                                            "{",           "|",
+                                            "|help",       "Pro",
+                                            "\n",          "\n",
+                                            "\n",          "#",
+                                            " ",           "\t",
+                                            "\r\n",        "\n1a= {}b|c\n1d= {}e\n",
+                                            "\n0M= {}\n",  "\xfc"};
+    std::mt19937 random(6);
+    for (int round = 0; round < 1000; ++round) {
+        std::string text;
+        for (auto count = random() % 40; count > 0; --count) text += kPieces[random() % std::size(kPieces)];
+        writeFile(path, text);
+        std::ifstream asText(path);  // with the system's line ends
+        text.assign(std::istreambuf_iterator<char>(asText), {});
+        Cnfg file(path);
+        const MenuFileContent content = readMenuFileContent(file);
+        const MenuFileTree tree = readMenuFileTree(file);
+        std::vector<std::string> modes, commands;
+        for (const auto& [key, value] : plain::section(text, "Modes")) modes.push_back(key);
+        const auto expected = plain::menuItems(text);
+        for (const auto& item : expected) commands.push_back(item.command);
+        std::vector<plain::Item> items;
+        for (const MenuFileItem& item : tree.items) items.push_back({item.label, item.command, item.help});
+        ASSERT_TRUE(content.isWhole && tree.isWhole);
+        ASSERT_EQ(content.modeNames, modes) << text;
+        ASSERT_EQ(tree.modeNames, modes) << text;
+        ASSERT_EQ(plain::textsOf(content.commands), commands) << text;
+        ASSERT_EQ(items, expected) << text;
     }
 }
 

@@ -260,8 +260,11 @@ TEST_F(Log, EqualsThePlainWayOnRandomStatements) {
         EXPECT_EQ(std::string_view(makeLogPrefix(path.c_str(), line, className, method)),
                   plainPrefix(path, line, className + "::" + method));
         const auto whole = static_cast<std::int64_t>(random() >> random() % 64);
-        const double fraction =
-            round % 50 == 0 ? std::pow(-10.0, round) / (round % 100) : std::bit_cast<double>(random());
+        const auto digits = static_cast<double>(static_cast<std::int32_t>(random()) >> random() % 32);
+        const double fraction = round == 1        ? -0.0
+                                : round % 50 == 0 ? std::pow(-10.0, round) / (round % 100)
+                                : round % 2 == 0  ? digits / std::pow(10.0, random() % 6)
+                                                  : std::bit_cast<double>(random());
         const void* pointer = round % 9 == 0 ? nullptr : path.c_str() + whole % 9999;
         std::ostringstream plain;
         plain << text << 'c' << whole << ',' << fraction << ',' << pointer << ',' << (whole % 2 == 0);

@@ -73,6 +73,31 @@ inline Entries section(const std::string& text, const std::string& name) {
     return entries;
 }
 
+struct Item {
+    std::string label, command, help;
+    bool operator==(const Item&) const = default;
+};
+
+// Items of a menu file: the entries of its section MenuBar that have a command.
+inline std::vector<Item> menuItems(const std::string& text) {
+    std::vector<Item> items;
+    for (const auto& [key, value] : section(text, "MenuBar")) {
+        Item item{key, "", ""};
+        std::string* part = value.find('}') == std::string::npos ? &item.command : nullptr;
+        for (const char c : value) {
+            if (part == nullptr) {
+                if (c == '}') part = &item.command;
+            } else if (part == &item.command && c == '|') {
+                part = &item.help;
+            } else {
+                *part += c;
+            }
+        }
+        if (!item.command.empty()) items.push_back(item);
+    }
+    return items;
+}
+
 // Of a table of commands.
 std::vector<std::string> textsOf(const auto& table) {
     std::vector<std::string> texts;

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdio>
 #include <vector>
 
 #include "driver/obk_ctrlr.h"
@@ -100,6 +102,7 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
     constexpr int kMostHandles = 2 * kRounds + kRounds - 1;
     const DWORD process = GetCurrentProcessId();
     int threads = 0, handles = 0;
+    auto fastest = std::chrono::steady_clock::duration::max();
     for (int round = 0; round <= kRounds; ++round) {
         const HMODULE plugin = LoadLibraryA(mPath.c_str());
         ASSERT_NE(plugin, nullptr) << GetLastError();
@@ -107,7 +110,9 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
         auto* terminate = find<void()>(plugin, "user_terminate");
         ASSERT_TRUE(initialize != nullptr && terminate != nullptr);
         terminate();  // without a start it does nothing
+        const auto begin = std::chrono::steady_clock::now();
         EXPECT_EQ(initialize(), 0);
+        fastest = std::min(fastest, std::chrono::steady_clock::now() - begin);
         EXPECT_EQ(initialize(), 0) << "a second start is no second plug-in";
         terminate();
         FreeLibrary(plugin);
@@ -116,6 +121,8 @@ TEST_F(PluginLoad, StartsAndEndsInAnEmptyWorldWithoutLeaks) {
             handles = countHandles(process);
         }
     }
+    std::printf("user_initialize takes %d us where Creo and the driver answer at once\n",
+                static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(fastest).count()));
     // A thread that has reported its end is still on its last instructions.
     int handlesNow = 0, threadsNow = 0;
     for (int i = 0; i < 100; ++i) {

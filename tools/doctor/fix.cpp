@@ -43,7 +43,7 @@ std::optional<std::size_t> placeBelowHeader(const std::string& bytes, const std:
     for (std::size_t at = 0; at < bytes.size();) {
         const auto lineEnd = bytes.find('\n', at);
         const std::size_t next = lineEnd == std::string::npos ? bytes.size() : lineEnd + 1;
-        const Cnfg::Line line = Cnfg::split(std::string_view(bytes).substr(at, next - at));
+        const Cnfg::Line line = Cnfg::split(std::string_view(bytes).substr(at, lineEnd - at));
         if (line.isSection && line.section == section) return next;
         at = next;
     }

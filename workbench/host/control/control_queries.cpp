@@ -69,6 +69,8 @@ void status(const Request&, Lines& lines) {
     addNumber("private_bytes", privateBytes());
     addNumber("ticks", timerTicks());
     add("plugin", plugins().state());
+    addNumber("plugin_load_us", plugins().loadTime().count());
+    addNumber("plugin_start_us", plugins().startTime().count());
     addNumber("start_disturbed", int{plugins().isStartDisturbed()});
     addNumber("misalign", int{isMisalignmentOn()});
     addNumber("mapkeys", keySequence().mapkeys().size());

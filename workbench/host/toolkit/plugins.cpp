@@ -46,6 +46,10 @@ void forgetMenus() {
     frame().rebuildMenu();
 }
 
+std::chrono::microseconds since(std::chrono::steady_clock::time_point begin) {
+    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
+}
+
 }  // namespace
 
 Plugins& plugins() {
@@ -93,7 +97,9 @@ bool Plugins::start() {
 
 bool Plugins::load(Plugin& plugin) {
     if (plugin.module != nullptr) return true;
+    const auto begin = std::chrono::steady_clock::now();
     plugin.module = LoadLibraryW(utf8ToWide(plugin.entry.execFile).c_str());
+    mLoadTime = since(begin);
     if (plugin.module == nullptr) {
         host().error("The application \"" + plugin.entry.name + "\" cannot be loaded from \"" + plugin.entry.execFile +
                      "\" (" + systemError(GetLastError()) + ").");
@@ -120,7 +126,9 @@ bool Plugins::callInitialise(Plugin& plugin) {
     char* arguments[] = {name, nullptr};
     plugin.isInitialised = true;
     const int refused = toolkitCalls().faults().refused();
+    const auto begin = std::chrono::steady_clock::now();
     const int result = callPlugin(entry, 1, arguments, versionText, buildText, errorText);
+    mStartTime = since(begin);
     mIsStartDisturbed = toolkitCalls().faults().refused() != refused;
     errorText[ERROR_TEXT_LENGTH - 1] = L'\0';
     if (result != 0) {

@@ -1,6 +1,7 @@
 // Finds, loads and ends the plug-ins that are registered with the host.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -27,6 +28,9 @@ class Plugins {
 
     // Whether a function was made to fail while one of them started: it may lack menus, threads or handlers since.
     bool isStartDisturbed() const { return mIsStartDisturbed; }
+    // How long the last loading, and the last user_initialize, held the user-interface thread up.
+    std::chrono::microseconds loadTime() const { return mLoadTime; }
+    std::chrono::microseconds startTime() const { return mStartTime; }
     bool isAnyRegistered() const { return !mPlugins.empty(); }
     std::string state() const;                    // "none", "registered", "loaded", "initialised" (of the first)
     HMODULE moduleAt(const void* address) const;  // the plug-in that an address lies in, null for none
@@ -46,6 +50,7 @@ class Plugins {
 
     std::vector<Plugin> mPlugins;
     bool mIsStartDisturbed = false;
+    std::chrono::microseconds mLoadTime{0}, mStartTime{0};
 };
 
 Plugins& plugins();
