@@ -154,13 +154,17 @@ RECT areaOf(HWND window) {
     return area;
 }
 
-// The middle of a button's row, as the page sees it.
-LPARAM rowOfButton(const PanelWindow& panel, int button) {
+// The middle of a button's row, on the screen.
+POINT rowOfButton(const PanelWindow& panel, int button) {
     const HWND list = panel.control(kButtons);
     const RECT header = areaOf(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)));
-    POINT place{header.left + 20, header.bottom + rowHeight(list) * (2 * button - 1) / 2};
-    ScreenToClient(GetParent(list), &place);
-    return MAKELPARAM(place.x, place.y);
+    return {header.left + 20, header.bottom + rowHeight(list) * (2 * button - 1) / 2};
+}
+
+bool hasCapture(HWND window) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    return GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info) && info.hwndCapture == window;
 }
 
 TEST_F(Panel, CommandsAreDraggedToButtonsFromTheTreeAndFromWhatWasFound) {
@@ -168,9 +172,14 @@ TEST_F(Panel, CommandsAreDraggedToButtonsFromTheTreeAndFromWhatWasFound) {
     panel->openPage(kBindingsPage);
     const HWND tree = panel->control(kTree), results = panel->control(kResults), page = GetParent(tree);
     const auto drag = [&](HWND from, int x, int y, int button) {
+        POINT goal = rowOfButton(*panel, button);
+        SetCursorPos(goal.x, goal.y);  // windows are told where the pointer really is, too
+        panel->awaitPainted();
         PostMessageW(from, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
         PostMessageW(from, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x - 30, y + 30));
-        PostMessageW(page, WM_LBUTTONUP, 0, rowOfButton(*panel, button));
+        ASSERT_TRUE(waitFor([&] { return hasCapture(page); })) << "nothing is dragged";
+        ScreenToClient(page, &goal);
+        PostMessageW(page, WM_LBUTTONUP, 0, MAKELPARAM(goal.x, goal.y));
     };
     const auto isBindFile = [&](const std::string& text) {
         return waitFor([&] { return workbench::readTextFile(bindFile()) == text; });
