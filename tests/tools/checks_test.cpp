@@ -96,7 +96,8 @@ TEST(MenuCheck, CountsWhatItsReaderReadsAndNamesTheRest) {
 
     const MenuFileFacts bad = menuFileFacts(
         "[MenuBar]\n1Bewegungsmodus umschalten = {+ 6}OB_Toggle_Object_Move_Mode|x\n0A = {}\nCopy = {}ProCmdCopy|\n"
-        "Copy = {}ProCmdCopy|again\nEmpty = {}|help\n\nLost = {}ProCmdLost|x\n[Modes]\nPart = 1\n");
+        "Copy = {}ProCmdCopy|again\nEmpty = {}|help\n\nLost = {}ProCmdLost|x\n[Modes]\nPart = 1\n"
+        "[MenuBar]\nUnseen = {}ProCmdUnseen|x\n");  // the first of its sections counts
     EXPECT_EQ(bad.commands, 3u);
     EXPECT_THAT(bad.duplicates, ElementsAre("line 5: the same entry as in line 4"));
     EXPECT_THAT(bad.unreadable,
