@@ -4,8 +4,11 @@
 #include <commctrl.h>
 
 #include <array>
+#include <chrono>
+#include <fstream>
 #include <map>
 #include <optional>
+#include <thread>
 
 #include "tests/e2e/e2e.h"
 #include "workbench/control/panel_window.h"
@@ -226,6 +229,18 @@ TEST_F(Panel, BindingsToCommandsThatAreGoneAreShownAndKept) {
     bindBySearch("shading");
     EXPECT_EQ(workbench::readTextFile(bindFile()),
               "# mine\n[Assembly]\n1 = ProCmdEnvMdlDisp*Shading\n[Default]\n1 = ProCmdGone\n2 = ProCmdViewTop\n");
+}
+
+TEST_F(Panel, BindFileThatSomebodyReadsIsWrittenAMomentLater) {
+    start("[Default]\n1 = ProCmdViewTop\n");
+    std::ifstream reader(bindFile());
+    ASSERT_TRUE(reader.is_open());
+    const std::jthread ends([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        reader.close();
+    });
+    bindBySearch("shading");
+    EXPECT_EQ(workbench::readTextFile(bindFile()), "[Default]\n1 = ProCmdEnvMdlDisp*Shading\n");
 }
 
 TEST_F(Panel, DamagedBindFileIsNotLost) {

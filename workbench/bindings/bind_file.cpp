@@ -1,9 +1,11 @@
 #include "workbench/bindings/bind_file.h"
 
 #include <algorithm>
+#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <thread>
 
 #include "workbench/pipes/numbers.h"
 #include "workbench/pipes/text.h"
@@ -59,6 +61,18 @@ class Parser {
     BindFile::Buttons* mButtons = nullptr;
 };
 
+// On Windows a file cannot be replaced while somebody reads it, as the daemon does, for a moment, after each change.
+void putInPlace(const std::filesystem::path& fresh, const std::filesystem::path& path, std::error_code& failure) {
+    constexpr int kTries = 50;
+    constexpr std::chrono::milliseconds kPause{20};
+    for (int i = 0; i < kTries; ++i) {
+        failure.clear();
+        std::filesystem::rename(fresh, path, failure);
+        if (!failure) return;
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
 }  // namespace
 
 const std::string* BindFile::find(const std::string& mode, int button) const {
@@ -106,8 +120,7 @@ void writeBindFile(const BindFile& file, const std::filesystem::path& path) {
     std::ofstream stream(fresh, std::ios::binary | std::ios::trunc);
     stream << bindFileText(file);
     stream.close();
-    failure.clear();
-    if (stream) std::filesystem::rename(fresh, path, failure);
+    if (stream) putInPlace(fresh, path, failure);
     if (!stream || failure) throw std::runtime_error("cannot write \"" + textOf(path) + '"');
 }
 

@@ -33,7 +33,7 @@ BindFile parseBindFile(std::string_view text, const std::string& name);
 std::string bindFileText(const BindFile& file);
 
 // Throw std::runtime_error naming the file when it cannot be read or written. What is written replaces the file as a
-// whole, so that a full disk costs nothing of it.
+// whole, so that a full disk costs nothing of it; while somebody reads the file, writing is tried for a second.
 BindFile readBindFile(const std::filesystem::path& path);
 void writeBindFile(const BindFile& file, const std::filesystem::path& path);
 
