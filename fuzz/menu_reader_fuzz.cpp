@@ -19,13 +19,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ofstream(path, std::ios::binary) << text;
     Cnfg file(path);
     const MenuFileContent content = readMenuFileContent(file);
+    const MenuFileTree tree = readMenuFileTree(file);
     std::remove(path.c_str());
 
     std::vector<std::string> modes, commands;
     for (const auto& [key, value] : plain::section(text, "Modes")) modes.push_back(key);
-    for (const auto& item : plain::menuItems(text)) commands.push_back(item.command);
+    const auto items = plain::menuItems(text);
+    for (const auto& item : items) commands.push_back(item.command);
     check(content.modeNames == modes);
     check(plain::textsOf(content.commands) == commands);
+    check(tree.modeNames == modes && tree.items.size() == items.size());
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const auto& [menu, label, command, help] = tree.items[i];
+        check(menu < tree.menus.size() && plain::Item{label, command, help} == items[i]);
+    }
     if (text.find('\r') != std::string::npos) return 0;  // a line of one alone counts on Windows only
     const MenuFileFacts facts = menuFileFacts(text);
     check(facts.modes == modes.size() && facts.commands == commands.size());

@@ -21,6 +21,11 @@ bool readSection(Cnfg& file, std::string_view section, Visit visit) {
     return status != Cnfg::kReadFailed;
 }
 
+std::string_view behindPlacement(std::string_view value) {
+    const auto brace = value.find(mnu_format::kPlacementEnd);
+    return brace == value.npos ? value : value.substr(brace + 1);
+}
+
 bool hasKey(const auto& items, std::string_view key) {
     return std::ranges::find(items, key, &mnu_format::OwnEntry::key) != std::end(items);
 }
@@ -38,9 +43,9 @@ MenuFileTree readMenuFileTree(Cnfg& file) {
         const auto command = commandPart(value);
         if (command.empty() || tree.menus.empty()) tree.menus.emplace_back(command.empty() ? key : std::string_view());
         if (command.empty()) return;
-        const auto help = value.find(mnu_format::kCommandEnd);
+        const auto help = behindPlacement(value).substr(command.size());  // behind its bar, if there is one
         tree.items.push_back({tree.menus.size() - 1, std::string(key), std::string(command),
-                              std::string(help == value.npos ? std::string_view() : value.substr(help + 1))});
+                              std::string(help.empty() ? help : help.substr(1))});
     };
     tree.isWhole =
         readSection(file, mnu_format::kModesSection, [&](auto key, auto) { tree.modeNames.emplace_back(key); }) &&
@@ -61,7 +66,6 @@ MenuFileContent readMenuFileContent(Cnfg& file) {
 }
 
 std::string_view commandPart(std::string_view value) {
-    if (const auto brace = value.find(mnu_format::kPlacementEnd); brace != std::string_view::npos)
-        value.remove_prefix(brace + 1);
-    return value.substr(0, value.find(mnu_format::kCommandEnd));
+    const std::string_view rest = behindPlacement(value);
+    return rest.substr(0, rest.find(mnu_format::kCommandEnd));
 }
