@@ -73,23 +73,28 @@ Var SettingsBox      ; control of the uninstaller's page
 !define MUI_ICON "${ROOT}\packaging\orbikon.ico"
 !define MUI_UNICON "${ROOT}\packaging\orbikon.ico"
 !define MUI_ABORTWARNING
+; Titles need three lines in French.
+!define MUI_WELCOMEPAGE_TITLE_3LINES
 !insertmacro MUI_PAGE_WELCOME
 !insertmacro MUI_PAGE_LICENSE "${LICENCE}"
 !insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_DIRECTORY
 Page custom ShowLoadPoints LeaveLoadPoints
 !insertmacro MUI_PAGE_INSTFILES
-!define MUI_FINISHPAGE_TEXT "$(FinishText)"
+!define MUI_FINISHPAGE_TEXT "$(Installed)$\r$\n$INSTDIR$\r$\n$\r$\n$(FinishText)"
 !define MUI_FINISHPAGE_TEXT_LARGE
 !define MUI_FINISHPAGE_RUN
 !define MUI_FINISHPAGE_RUN_TEXT "$(CheckSeat)"
 !define MUI_FINISHPAGE_RUN_FUNCTION CheckSeat
 !define MUI_PAGE_CUSTOMFUNCTION_SHOW ShowFinish
+!define MUI_FINISHPAGE_TITLE_3LINES
 !insertmacro MUI_PAGE_FINISH
 
+!define MUI_WELCOMEPAGE_TITLE_3LINES
 !insertmacro MUI_UNPAGE_WELCOME
 UninstPage custom un.ShowSettings un.LeaveSettings
 !insertmacro MUI_UNPAGE_INSTFILES
+!define MUI_FINISHPAGE_TITLE_3LINES
 !insertmacro MUI_UNPAGE_FINISH
 
 !insertmacro MUI_LANGUAGE English

@@ -2,7 +2,7 @@
 
 Function ShowFinish
   ${If} $IsForUser == 1
-    SendMessage $mui.FinishPage.Text ${WM_SETTEXT} 0 "STR:$(FinishText)$\r$\n$\r$\n$(FinishForUser)"
+    SendMessage $mui.FinishPage.Text ${WM_SETTEXT} 0 "STR:$(Installed)$\r$\n$INSTDIR$\r$\n$\r$\n$(FinishForUser)"
   ${EndIf}
   ${IfNot} ${SectionIsSelected} ${tools}
     ${NSD_Uncheck} $mui.FinishPage.Run

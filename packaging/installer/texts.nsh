@@ -37,13 +37,12 @@ ${Text} RemoveButton "&Remove" "&Entfernen" "&Enlever"
 ${Text} ChooseLoadPoint "The folder $\"Common Files$\" of an installation of Creo" \
   "Der Ordner $\"Common Files$\" einer Creo-Installation" "Le dossier $\"Common Files$\" d'une installation de Creo"
 
-${Text} FinishText "The plug-in is installed in$\r$\n$INSTDIR$\r$\n$\r$\nIt is there when Creo is started next." \
-"Das Plug-in ist installiert in$\r$\n$INSTDIR$\r$\n$\r$\nBeim nächsten Start von Creo ist es da." \
-"Le module est installé dans$\r$\n$INSTDIR$\r$\n$\r$\nIl sera là au prochain démarrage de Creo."
-${Text} FinishForUser "Installed for you alone, it needs a line in Creo's config.pro, which registration.txt in this folder \
-tells." "Nur für Sie installiert, braucht es eine Zeile in config.pro von Creo, die in registration.txt in diesem Ordner \
-steht." "Installé pour vous seul, il lui faut une ligne dans config.pro de Creo, indiquée par registration.txt dans ce \
-dossier."
+${Text} Installed "The plug-in is installed in" "Das Plug-in ist installiert in" "Le module est installé dans"
+${Text} FinishText "It is there when Creo is started next." "Beim nächsten Start von Creo ist es da." \
+  "Il sera là au prochain démarrage de Creo."
+${Text} FinishForUser "It needs a line in Creo's config.pro, which registration.txt in this folder tells." \
+  "Es braucht eine Zeile in config.pro von Creo; sie steht in registration.txt in diesem Ordner." \
+  "Il lui faut une ligne dans config.pro de Creo, indiquée par registration.txt dans ce dossier."
 ${Text} CheckSeat "Check this seat" "Diesen Arbeitsplatz prüfen" "Vérifier ce poste"
 
 ${Text} ForUserText "The plug-in was installed for one user. Creo finds it by this line in its configuration file \
