@@ -8,12 +8,13 @@ set -euo pipefail
 scripts/setup.sh packaging
 unset CMAKE_CXX_COMPILER_LAUNCHER  # a compiler cache would compare the first build with itself
 
+commit=$(git rev-parse --verify "${1:-HEAD}^{commit}")  # once: a branch may go on while the first package is made
 scratch=$(mktemp -d)
 folders=("$scratch/one" "$scratch/another, longer")
 trap 'for folder in "${folders[@]}"; do git worktree remove --force "$folder" 2>/dev/null || true; done; rm -rf "$scratch"' EXIT
 for folder in "${folders[@]}"; do
     step "Package in $folder"
-    git worktree add --quiet --detach "$folder" "${1:-HEAD}"
+    git worktree add --quiet --detach "$folder" "$commit"
     "$folder/packaging/package.sh" >"$scratch/log" 2>&1 || { tail -n 40 "$scratch/log"; exit 1; }
 done
 

@@ -353,6 +353,17 @@ TEST_F(Log, BackupThatCannotBeRemovedSilencesTheFileUntilInit) {
     EXPECT_TRUE(text.ends_with("| again\n")) << text;
 }
 
+TEST_F(Log, StatementThatIsOutOfMemoryIsCutThere) {
+    init();
+    OB_LOG(LogLevel::ERR) << "before";
+    const std::string longer(100000, 'x');
+    const substitute::NthFails noMemory(substitute::Call::allocation, 1);
+    OB_LOG(LogLevel::ERR) << "first" << longer << "last";
+    EXPECT_TRUE(noMemory.hasFailed());
+    const std::string text = textOf(path());
+    EXPECT_TRUE(text.ends_with("| first\n")) << text.substr(text.size() - 40);
+}
+
 #ifndef _WIN32
 TEST_F(Log, FullDiskLosesTheLinesOfThatTimeOnly) {
     init();

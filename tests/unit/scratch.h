@@ -60,8 +60,7 @@ inline void setVariable(const char* name, const char* value) {
 class ScratchFolder {
   public:
     ScratchFolder()
-        : mPath(std::filesystem::temp_directory_path() /
-                ("orbikon-test-" + std::to_string(processId()) + "-" + std::to_string(++count()))) {
+        : mPath(base() / ("orbikon-test-" + std::to_string(processId()) + "-" + std::to_string(++count()))) {
         std::filesystem::remove_all(mPath);
         std::filesystem::create_directories(mPath);
     }
@@ -76,6 +75,11 @@ class ScratchFolder {
     std::string file(const std::string& name) const { return path() + kPathSeparator + name; }
 
   private:
+    static const std::filesystem::path& base() {
+        static const std::filesystem::path folder =
+            std::filesystem::temp_directory_path();  // before a test sets another
+        return folder;
+    }
     static int& count() {
         static int number = 0;
         return number;
