@@ -1,6 +1,7 @@
 #include "workbench/host/toolkit/plugins.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "workbench/host/commands/commands.h"
 #include "workbench/host/model/creo_variant.h"
@@ -124,12 +125,14 @@ bool Plugins::callInitialise(Plugin& plugin) {
     wchar_t errorText[ERROR_TEXT_LENGTH] = L"";
     char name[] = "xtop.exe";
     char* arguments[] = {name, nullptr};
-    plugin.isInitialised = true;
+    const bool isStart = !std::exchange(plugin.isInitialised, true);
     const int refused = toolkitCalls().faults().refused();
     const auto begin = std::chrono::steady_clock::now();
     const int result = callPlugin(entry, 1, arguments, versionText, buildText, errorText);
-    mStartTime = since(begin);
-    mIsStartDisturbed = toolkitCalls().faults().refused() != refused;
+    if (isStart) {  // else the plug-in says that it runs already
+        mStartTime = since(begin);
+        mIsStartDisturbed = toolkitCalls().faults().refused() != refused;
+    }
     errorText[ERROR_TEXT_LENGTH - 1] = L'\0';
     if (result != 0) {
         host().error("The application \"" + plugin.entry.name + "\" refused to start (" + std::to_string(result) +
