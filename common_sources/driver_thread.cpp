@@ -42,7 +42,7 @@ void* DriverThread::entry(void* run) {
     return nullptr;
 }
 
-bool DriverThread::waitForEnd(const char* name) const {
+bool DriverThread::waitForEnd(const char* name) {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + patience;
     while (mRun != nullptr && mRun->isRunning) {
@@ -52,6 +52,9 @@ bool DriverThread::waitForEnd(const char* name) const {
         }
         std::this_thread::sleep_for(kPoll);
     }
+    // Joined at its last instructions, not detached: the thread library may use a detached thread's record anew while
+    // it is still on them.
+    if (std::exchange(mRun, nullptr) != nullptr) pthread_join(mThread, nullptr);
     return true;
 }
 
@@ -60,9 +63,7 @@ int callPatiently(const char* name, int (*call)()) {
         const auto status = std::make_shared<std::atomic<int>>(kNoAnswer);
         DriverThread thread;
         if (thread.start([status, call] { *status = call(); })) {
-            if (!thread.waitForEnd(name)) return kNoAnswer;
-            thread.join();
-            return status->load();
+            return thread.waitForEnd(name) ? status->load() : kNoAnswer;
         }
     } catch (const std::bad_alloc&) {  // as without a thread
     }

@@ -15,13 +15,9 @@ class DriverThread {
     // everybody. False when the system refuses.
     bool start(std::function<void()> body);
 
-    // Gives the thread's handle back; waitForEnd() was successful. Not by detaching: the thread library may then use
-    // the record of a thread anew that is still on its last instructions.
-    void join() const { pthread_join(mThread, nullptr); }
-
-    // Waits by polling until the body, if any was started, has come to its end. False when it has not in time; `name`
-    // says in the log what is left behind.
-    bool waitForEnd(const char* name) const;
+    // Waits by polling until the body, if any was started, has come to its end, and gives the thread's handle back.
+    // False when it has not in time; `name` says in the log what is left behind.
+    bool waitForEnd(const char* name);
 
     static inline std::chrono::milliseconds patience{10'000};  // shortened by tests
 

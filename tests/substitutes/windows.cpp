@@ -114,7 +114,7 @@ void ProgressWindow::stop() {
 }
 
 #if defined(__SANITIZE_THREAD__)
-// The plug-in's threads are never joined, by design.
+// Threads that hang in the driver are left behind, by design.
 extern "C" const char* __tsan_default_options() { return "report_thread_leaks=0"; }
 #endif
 
