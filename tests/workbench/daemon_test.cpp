@@ -302,9 +302,9 @@ TEST(ControlProgram, SteersByArgumentsAndByScript) {
     for (const auto& [arguments, exitCode, output] : cases) {
         SCOPED_TRACE(arguments);
         // By a shell of its own, which hands the file over.
-        writeTextFile(bench.folder() / "run.bat", '"' + program.string() + "\" " + arguments + "\r\n");
+        writeTextFile(bench.folder() / "run.bat", std::string("\"%~1\" ") + arguments + "\r\n");
         const std::filesystem::path file = bench.folder() / "output.txt";
-        const Process process = bench.start(std::getenv("COMSPEC"), {"/c", "run.bat"}, file);
+        const Process process = bench.start(std::getenv("COMSPEC"), {"/c", "run.bat", program.string()}, file);
         EXPECT_EQ(process.waitForExit(kPatienceMs), exitCode);
         EXPECT_NE(readTextFile(file).find(output), std::string::npos) << readTextFile(file);
     }
