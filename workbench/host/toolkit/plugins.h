@@ -28,7 +28,7 @@ class Plugins {
 
     // Whether a function was made to fail while one of them started: it may lack menus, threads or handlers since.
     bool isStartDisturbed() const { return mIsStartDisturbed; }
-    // How long the last loading, and the last user_initialize, held the user-interface thread up.
+    // How long the last loading, and the last start, held the user-interface thread up.
     std::chrono::microseconds loadTime() const { return mLoadTime; }
     std::chrono::microseconds startTime() const { return mStartTime; }
     bool isAnyRegistered() const { return !mPlugins.empty(); }
