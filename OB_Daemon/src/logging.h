@@ -20,7 +20,6 @@
 #include <type_traits>
 #include <utility>
 
-#include "OB_Daemon/src/mutex.h"
 #include "OB_Daemon/src/without_log.h"
 
 enum class LogLevel : int { ERR, WRN, CRT, TRC, DCM, ICM, INF, DBG, TMP };
@@ -172,17 +171,18 @@ class Logging {
     LoggingParameters mParameters;
     std::string mLogFilePath;
     struct File;
-    std::unique_ptr<File> mFile;  // null while nothing is logged to a file; guarded by mMutex, as all above
+    std::unique_ptr<File> mFile;  // null while nothing is logged to a file; guarded by mLock, as all above
     struct Building;
-    std::unique_ptr<Building> mBuilding;                        // the statements being built
-    std::unique_ptr<Mutex> mMutex = std::make_unique<Mutex>();  // null after leaveToProcessEnd()
+    std::unique_ptr<Building> mBuilding;  // the statements being built
+    struct Lock;
+    std::unique_ptr<Lock> mLock;  // null after leaveToProcessEnd()
     bool mIsHexDump = false;
     std::string mUnopenedPath;  // of the last log file that could not be opened, empty after one that could
     std::unique_ptr<Collection> mCollection;  // null unless they are collected
 
     static constexpr std::uint32_t kAnyFile = 0;
     std::atomic<std::uint32_t> mWantedFile{kAnyFile};  // hash of the exclusively logged file's name
-    std::atomic<std::uint32_t> mOwner{0};              // thread that holds mMutex, 0 = none
+    std::atomic<std::uint32_t> mOwner{0};              // thread that holds mLock, 0 = none
     std::atomic<std::uint32_t> mEnabledLevels{1u};     // bit n = level n is on
 };
 
