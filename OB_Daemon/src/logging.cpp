@@ -136,8 +136,8 @@ Logging gLogging;
 
 // The statement lock, and a queue in front of it. As long as any thread waits, each release of a semaphore costs a call
 // of the system that wakes one, also while the one woken before has not come to run yet; a plain mutex knows that, and
-// three threads that log all the time need two fifths less. So they wait there, and the semaphore is free for the one that
-// comes through.
+// three threads that log all the time need two fifths less. So they wait there, and the semaphore is free for the one
+// that comes through.
 struct Logging::Lock {
     Lock() = default;
     ~Lock() { pthread_mutex_destroy(&queue); }
