@@ -28,6 +28,7 @@ class Cnfg {
     explicit Cnfg(const std::string& fileName);
 
     bool isOpen() const { return mFile.isOpen(); }
+    std::size_t size() const { return mFile.text().size(); }  // of the text, in bytes
 
     // Looks a key up in a section; an empty section name goes on from the current place instead. Names and keys are
     // compared exactly. Result kOk, or the error with `value` empty.

@@ -55,6 +55,7 @@ MenuFileTree readMenuFileTree(Cnfg& file) {
 
 MenuFileContent readMenuFileContent(Cnfg& file) {
     MenuFileContent content;
+    content.commands.reserve(file.size());  // more than enough, and no more than it would grow to step by step
     content.isWhole =
         readSection(file, mnu_format::kModesSection, [&](auto key, auto) { content.modeNames.emplace_back(key); }) &&
         readSection(file, mnu_format::kMenuBarSection, [&](auto key, auto value) {

@@ -11,6 +11,7 @@ class Cnfg;
 // The commands of a menu file, one behind the other in one text: there are tens of thousands of them.
 class CommandTable {
   public:
+    void reserve(std::size_t textSize) { mText.reserve(textSize); }
     void add(std::string_view command) {
         mText += command;
         mEnds.push_back(mText.size());
