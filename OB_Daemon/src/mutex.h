@@ -4,9 +4,10 @@
 
 #include <atomic>
 
-// The plug-in's only lock: a process-private semaphore of count one with a name. Not recursive, and without an owner:
-// any thread may release it. Failures are reported on the process's standard streams (construction, destruction and
-// lock on the error stream, unlock on the output stream), never through the log whose lock it is.
+// The lock of the log, which is the plug-in's only one (threads queue in front of it, see Logging::Lock): a
+// process-private semaphore of count one with a name. Not recursive, and without an owner: any thread may release it.
+// Failures are reported on the process's standard streams (construction, destruction and lock on the error stream,
+// unlock on the output stream), never through the log whose lock it is.
 class Mutex {
   public:
     Mutex();
