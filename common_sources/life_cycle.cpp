@@ -28,21 +28,22 @@ struct Row {
     Step steps[6];  // by call
 };
 
-// A start that is running forgets that it was to end when it is to go on after all; any other plug-in that was to end
-// does so, and is started anew. "enter" and "leave" are those of the outermost callback, "over" comes after a start or
-// an end, "failed" after a start.
+// A plug-in that is to end and then to go on after all does end, and is started anew: with its end Creo forgets what it
+// has registered. "enter" and "leave" are those of the outermost callback, "over" comes after a start or an end,
+// "failed" after a start.
 // clang-format off
 constexpr Row kTable[] = {
-    // state           initialise          terminate                   enter     leave      over      failed
-    {off,             {kStart,             kStay,                      kClosed,  kStay,     kStay,    kStay}},
-    {starting,        {kTwice,             {startingToEnd},            kStay,    kStay,     {on},     {off}}},
-    {startingToEnd,   {{starting},         kStay,                      kStay,    kStay,     kEnd,     {off}}},
-    {on,              {kTwice,             kEnd,                       {inside}, kStay,     kStay,    kStay}},
-    {inside,          {kTwice,             {insideToEnd, Deed::hurry}, kStay,    {on},      kStay,    kStay}},
-    {insideToEnd,     {{insideToRestart},  kStay,                      kStay,    kEnd,      kStay,    kStay}},
-    {insideToRestart, {kTwice,             {insideToEnd},              kStay,    kEndFirst, kStay,    kStay}},
-    {ending,          {{endingToRestart},  kStay,                      kClosed,  kStay,     {off},    kStay}},
-    {endingToRestart, {kTwice,             {ending},                   kClosed,  kStay,     kStart,   kStay}},
+    // state             initialise            terminate                   enter     leave      over       failed
+    {off,               {kStart,               kStay,                      kClosed,  kStay,     kStay,     kStay}},
+    {starting,          {kTwice,               {startingToEnd},            kStay,    kStay,     {on},      {off}}},
+    {startingToEnd,     {{startingToRestart},  kStay,                      kStay,    kStay,     kEnd,      {off}}},
+    {startingToRestart, {kTwice,               {startingToEnd},            kStay,    kStay,     kEndFirst, kStart}},
+    {on,                {kTwice,               kEnd,                       {inside}, kStay,     kStay,     kStay}},
+    {inside,            {kTwice,               {insideToEnd, Deed::hurry}, kStay,    {on},      kStay,     kStay}},
+    {insideToEnd,       {{insideToRestart},    kStay,                      kStay,    kEnd,      kStay,     kStay}},
+    {insideToRestart,   {kTwice,               {insideToEnd},              kStay,    kEndFirst, kStay,     kStay}},
+    {ending,            {{endingToRestart},    kStay,                      kClosed,  kStay,     {off},     kStay}},
+    {endingToRestart,   {kTwice,               {ending},                   kClosed,  kStay,     kStart,    kStay}},
 };
 // clang-format on
 

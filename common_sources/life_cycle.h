@@ -30,6 +30,7 @@ class LifeCycle {
         off,
         starting,
         startingToEnd,
+        startingToRestart,
         on,
         inside,  // a callback is running
         insideToEnd,

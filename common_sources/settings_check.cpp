@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr std::size_t kMaxFindings = 100;
-constexpr std::size_t kMaxShown = 60;  // bytes of a name or value from the file
+constexpr std::size_t kMaxLineFindings = 100;  // of what any line may bring; the rest is bounded by the known keys
+constexpr std::size_t kMaxShown = 60;          // bytes of a name or value from the file
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
@@ -90,7 +90,6 @@ class Checker {
     };
 
     void add(SettingsProblem problem, std::string text, std::string_view section = {}, std::string_view key = {}) {
-        if (mFindings.size() == kMaxFindings) return;
         mFindings.push_back({problem, std::move(text), std::string(section), std::string(key)});
     }
 
@@ -102,6 +101,8 @@ class Checker {
             mKeys, [&](const auto& key) { return key.section == place.first && key.name == place.second; });
         return found == mKeys.end() ? nullptr : &*found;
     }
+
+    bool isStray(const Place& place) const { return std::ranges::find(mStrays, place, &Stray::place) != mStrays.end(); }
 
     // As the reader does it: a section's keys are those from its first header to the first line without one.
     void readLines() {
@@ -135,8 +136,12 @@ class Checker {
         mHasKeys = true;
         if (!isKnown(place.first)) return;  // the section's name is what is wrong
         if (!mSections[place.first].isOpen) {
-            if (mStrays.size() < kMaxFindings) mStrays.push_back({value.line, place});
-        } else if (!mValues.emplace(place, value).second) {
+            if (keyOf(place) != nullptr && !isStray(place)) mStrays.push_back({value.line, place});
+            return;
+        }
+        const bool isFirst = mValues.emplace(place, value).second;
+        if (mFindings.size() >= kMaxLineFindings) return;
+        if (!isFirst) {
             add(SettingsProblem::repeatedKey, "key " + quoted(place.second) + " stands again in " + atLine(value.line) +
                                                   ": the first one counts, in " + atLine(mValues[place].line));
         } else if (keyOf(place) == nullptr) {
@@ -181,19 +186,17 @@ class Checker {
     }
 
     void checkKeys() {
-        for (const Stray& stray : mStrays) {
-            const SettingsKey* key = keyOf(stray.place);
-            if (key == nullptr || mValues.contains(stray.place)) continue;
-            const Section& section = mSections[stray.place.first];
-            add(SettingsProblem::behindEnd, "key " + quoted(key->name) + " in " + atLine(stray.line) +
-                                                " stands behind " + atLine(section.endLine) + ", which ended " +
-                                                inSection(key->section) + ": it is not read, " +
-                                                std::string(emptyValueOf(key->kind)) + " holds");
+        for (const auto& [line, place] : mStrays) {
+            if (mValues.contains(place)) continue;
+            const SettingsKey* key = keyOf(place);
+            const Section& section = mSections[place.first];
+            add(SettingsProblem::behindEnd, "key " + quoted(key->name) + " in " + atLine(line) + " stands behind " +
+                                                atLine(section.endLine) + ", which ended " + inSection(key->section) +
+                                                ": it is not read, " + std::string(emptyValueOf(key->kind)) + " holds");
         }
         for (const auto& key : mKeys) {
             const Place place{key.section, key.name};
-            const bool isStray = std::ranges::find(mStrays, place, &Stray::place) != mStrays.end();
-            if (mValues.contains(place) || isStray || mSections[key.section].line == 0) continue;
+            if (mValues.contains(place) || isStray(place) || mSections[key.section].line == 0) continue;
             add(SettingsProblem::missingKey,
                 "key " + quoted(key.name) + " is missing in " + inSection(key.section) + ": " +
                     std::string(emptyValueOf(key.kind)) + " holds",
@@ -241,7 +244,7 @@ class Checker {
     std::span<const SettingsKey> mKeys;
     std::map<std::string_view, Section> mSections;
     std::map<Place, Value> mValues;  // of known sections, those that are read; unknown keys among them
-    std::vector<Stray> mStrays;      // keys of known sections that are not read
+    std::vector<Stray> mStrays;      // known keys that are not read, each where it first stands
     bool mHasKeys = false;
     std::vector<SettingsFinding> mFindings;
 };

@@ -3,6 +3,8 @@
 
 #include <process.h>
 
+#include <string>
+
 #include "driver/obk_ctrlr.h"
 #include "toolkit/pro_toolkit.h"
 
@@ -26,12 +28,18 @@ unsigned __stdcall sleepForEver(void*) {
 }
 
 int ignore() { return 0; }
+int ignoreClick(uiCmdCmdId, uiCmdValue*, void*) { return 0; }
 
 }  // namespace
 
 extern "C" __declspec(dllexport) int user_initialize() {
     SetTimer(nullptr, 0, 1000000, nullptr);
     _beginthreadex(nullptr, 0, sleepForEver, nullptr, 0, nullptr);
+    const auto addCommand = IN_HOST(ProCmdOptionAdd);
+    for (std::string name : {"Orbikon_ToggleMoveMode", "Orbikon_ToggleScrollMode"}) {
+        uiCmdCmdId command = nullptr;
+        addCommand(name.data(), ignoreClick, PRO_B_TRUE, nullptr, nullptr, PRO_B_TRUE, PRO_B_TRUE, &command);
+    }
     IN_HOST(ProNotificationSet)(24, ignore);
     IN_HOST(ProNotificationSet)(72, ignore);
     ProSelection* selection = nullptr;

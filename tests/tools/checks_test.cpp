@@ -68,6 +68,24 @@ TEST(SettingsCheck, EachMistakeIsNamedWithItsPlace) {
     }
 }
 
+// Lines that mean nothing do not hide what makes the cap dead.
+TEST(SettingsCheck, TellsWhatMattersAfterHundredsOfOtherFindings) {
+    std::string repeated, unknown;
+    for (int i = 0; i < 300; ++i) {
+        repeated += "name = again\n";
+        unknown += "key" + std::to_string(i) + " = 1\n";
+    }
+    for (const std::string& lines : {repeated, unknown}) {
+        const auto reading = checkSettings("[PROGRAM]\nname = a\n" + lines + "maxContMoveTime = 0\n\n" + lines +
+                                               "version = 1\n[LOGGING]\nlogFile = a\n",
+                                           Settings::keys());
+        for (const auto problem : {SettingsProblem::capDead, SettingsProblem::behindEnd, SettingsProblem::missingKey}) {
+            EXPECT_TRUE(reading.has(problem)) << static_cast<int>(problem);
+        }
+        EXPECT_LT(reading.findings.size(), 300u);
+    }
+}
+
 TEST(NearestName, AFewWrongLettersAreForgiven) {
     constexpr std::string_view names[] = {"logFile", "logToFile", "tmp", "trace"};
     for (const auto& [written, meant] : std::map<std::string, std::string>{{"LOGFILE", "logFile"},

@@ -46,17 +46,16 @@ std::string lastLines(const std::string& text) {
 }
 
 // Half of the seeds let the plug-in run commands by the mapkey.
-WorkbenchOptions optionsFor(std::uint32_t seed) {
-    WorkbenchOptions options;
-    options.settings = settingsText({{"readMode", "on"}, {"useMapkeyForCommands", seed % 2 == 0 ? "on" : "off"}});
-    options.menuFile = menuText(boundCommands());
-    return options;
+std::string settingsFor(std::uint32_t seed) {
+    return settingsText({{"readMode", "on"}, {"useMapkeyForCommands", seed % 2 == 0 ? "on" : "off"}});
 }
 
 class Monkey {
   public:
     Monkey(const MonkeyOptions& options, std::ostream& out)
-        : mOptions(options), mOut(out), mBench(optionsFor(options.seed)) {
+        : mOptions(options),
+          mOut(out),
+          mBench({.settings = settingsFor(options.seed), .menuFile = menuText(boundCommands())}) {
         std::vector<std::string> arguments{"--require-plugin"};
         if (options.isHidden) arguments.emplace_back("--hidden");
         mBench.startDaemon();
@@ -67,9 +66,8 @@ class Monkey {
         const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(mOptions.minutes * kMinuteMs);
         mSeed = mOptions.seed;
         try {
-            proveItWorks();
-            mStart = counts();
             for (;; ++mSeed) {
+                beginRound();
                 playRound(end);
                 if (GetTickCount64() >= end) break;
                 mOut << "seed " << mSeed << ": all held" << std::endl;
@@ -86,6 +84,15 @@ class Monkey {
 
   private:
     using Counts = std::map<std::string, double>;
+
+    // What a round finds does not depend on the rounds before.
+    void beginRound() {
+        askHost("calm");
+        askHost("plugin terminate");
+        writeTextFile(mBench.settingsFile(), settingsFor(mSeed));
+        proveItWorks();
+        if (mDone == 0) mStart = counts();
+    }
 
     void playRound(ULONGLONG end) {
         Dice dice(mSeed);

@@ -221,6 +221,9 @@ void Stage::bindButtons() {
 void Stage::selectForMoving(const std::string& components) {
     bench().host("select " + components);
     setToggle(kMoveToggle, true);
+    // Until its next tick the plug-in leaves the motion to the host, which moves the view by it.
+    const bool isClaimed = waitFor([&] { return bench().daemonStatus("legacy") == "0"; });
+    if (!isClaimed) throw std::runtime_error("the plug-in does not take the motion");
 }
 
 // ---- doing ----

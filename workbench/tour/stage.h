@@ -70,7 +70,8 @@ class Stage {
     // A new workbench in which nothing runs yet.
     Workbench& openEmpty(const WorkbenchOptions& options);
     void close();
-    void selectForMoving(const std::string& components);  // and switches move mode on
+    // Selects, switches move mode on, and waits until the plug-in takes the motion.
+    void selectForMoving(const std::string& components);
 
     // ---- doing ----
 

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <map>
+#include <optional>
 #include <sstream>
 
 #include "workbench/host/commands/commands.h"
@@ -23,6 +24,7 @@ using Breaches = std::vector<std::string>;
 
 constexpr int ENOUGH_TRIES = 2;
 constexpr int ANSWER_TIME_MS = 1000;
+constexpr int WINDOW_CHANGED = 24;
 constexpr int LEFT_REGISTERED[] = {72, 73};
 
 // The daemon's account of its side; nothing while there is no daemon.
@@ -68,18 +70,22 @@ void checkAtRest(Breaches& breaches) {
     if (host().history.isDragOpen() && !wasTriedToEnd) breaches.push_back("dynamic positioning is on");
 }
 
-// Looks at the plug-in's menus as a user does who opens them. True when the check button is there and on.
-bool isMenuItemOn(const char* command) {
+// Looks at the plug-in's menus as a user does who opens them: whether the check button is on, if there is one.
+std::optional<bool> isMenuItemOn(const char* command) {
     const Command* known = commands().find(command);
-    return known != nullptr && accessOf(*known) > 0 && isChecked(*known);
+    if (known == nullptr) return std::nullopt;
+    return accessOf(*known) > 0 && isChecked(*known);
 }
 
 void checkRunning(Breaches& breaches, const Daemon& daemon) {
-    const bool isMoveOn = isMenuItemOn("Orbikon_ToggleMoveMode");
-    const bool isScrollOn = isMenuItemOn("Orbikon_ToggleScrollMode");
+    const auto move = isMenuItemOn("Orbikon_ToggleMoveMode");
+    const auto scroll = isMenuItemOn("Orbikon_ToggleScrollMode");
+    // A plug-in that was refused its menu items is called when another window becomes the current one.
+    const bool isCalled = move || scroll || notifications().fire(WINDOW_CHANGED);
     const int timers = liveTimers();
-    if (timers != 1) breaches.push_back(counted(timers, "timers are armed while the plug-in runs"));
-    const bool isMotionTaken = isScrollOn || (isMoveOn && !host().selection().empty());
+    if (timers > 1 || (timers == 0 && isCalled))
+        breaches.push_back(counted(timers, "timers are armed while the plug-in runs"));
+    const bool isMotionTaken = scroll.value_or(true) || (move.value_or(true) && !host().selection().empty());
     if (isMotionTaken || !daemon.isThere() || daemon.value("clients") == "0" || daemon.isExcusing()) return;
     if (daemon.value("legacy") != daemon.value("legacy_own")) {
         breaches.push_back("LegacyCOM1 is off though the plug-in does not use the motion");
