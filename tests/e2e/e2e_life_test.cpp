@@ -85,6 +85,18 @@ TEST(Start, EndInsideATickWaitsForIt) {
     bench.selectForMoving("41");  // it works
 }
 
+// The host forgets with an end what was registered before it, also when the start was not over then.
+TEST(Start, EndAndStartInsideAStartLeaveAPlugInWithMenus) {
+    Bench bench;
+    bench.host("plugin terminate");
+    bench.host("during ProMenubarmenuChkbuttonAdd plugin call terminate");
+    bench.host("during ProNotificationSet plugin call initialize");
+    bench.host("plugin initialize");
+    EXPECT_EQ(bench.host("menu").size(), 2u);
+    bench.openAssemblyForMoving();
+    bench.selectForMoving("41");
+}
+
 // Nothing goes on moving, and the next daemon's channel is taken and given back as the first one's.
 TEST(Daemon, ThatDiesWithTheCapDeflectedEndsTheMotion) {
     Bench bench;
