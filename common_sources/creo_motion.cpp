@@ -39,10 +39,9 @@ class NotMoved {
     void tell(int component, const char* reason) {
         if (isFirst()) OB_LOG(LogLevel::WRN) << "Component " << component << " is not moved, " << reason << "!";
     }
-
-  private:
     bool isFirst() { return !std::exchange(mIsTold, true); }
 
+  private:
     bool mIsTold = false;
 };
 NotMoved notMoved;
@@ -317,13 +316,13 @@ bool CreoProxy::transformOnce() {
 
     Step step;
     if (!scaleStep(axes, mSettings, step)) {
-        if (mLogLimit.isDue("divisors")) {
+        if (notMoved.isFirst()) {
             OB_LOG(LogLevel::ERR) << "transSensBase or rotSensBase too small, components are not moved!";
         }
         return false;
     }
     if (!getScreenAxes(step.ax, step.ay, step.az)) {
-        if (mLogLimit.isDue("screen axes")) OB_LOG(LogLevel::ERR) << "No screen axes, components are not moved!";
+        if (notMoved.isFirst()) OB_LOG(LogLevel::ERR) << "No screen axes, components are not moved!";
         return false;
     }
     return moveComponents(step);

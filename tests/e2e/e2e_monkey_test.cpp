@@ -7,12 +7,25 @@
 #include <sstream>
 
 #include "workbench/control/workbench.h"
+#include "workbench/monkey/actions.h"
 
 namespace {
 
 TEST(Monkey, FiveThousandActions) {
     std::ostringstream out;
     EXPECT_TRUE(workbench::playMonkey({.seed = 1, .actions = 5000}, out)) << out.str();
+}
+
+// So what was found can be played again.
+TEST(Monkey, SameSeedSameActions) {
+    workbench::Dice first(7), again(7), other(8);
+    int differences = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const std::string action = nextAction(first);
+        EXPECT_EQ(action, nextAction(again));
+        differences += action != nextAction(other);
+    }
+    EXPECT_GT(differences, 500);
 }
 
 TEST(Invariants, NoticeAPlugInThatBreaksThem) {

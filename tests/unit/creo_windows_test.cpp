@@ -20,6 +20,7 @@
 #include "common_sources/life_cycle.h"
 #include "common_sources/settings.h"
 #include "tests/substitutes/driver.h"
+#include "tests/substitutes/system.h"
 #include "tests/substitutes/toolkit.h"
 #include "tests/substitutes/windows_calls.h"
 #include "tests/unit/scratch.h"
@@ -575,6 +576,17 @@ TEST_F(Mapkey, NothingIsTypedWhenSomethingIsMissing) {
     expectDropped(gone);
     EXPECT_EQ(log().find(gone), log().rfind(gone)) << "one line a second";
     EXPECT_THAT(posted(tops[1], WM_KEYFIRST, WM_KEYLAST), IsEmpty());
+}
+
+TEST_F(Mapkey, EachAllocationMayFail) {
+    startWithMapkey("ob");
+    system().inFront = tops[0];
+    const auto check = [this](const std::string&) {
+        const auto typed = keys().size();
+        return typed == 0 || typed == 6 ? "" : "half of the keys";
+    };
+    EXPECT_THAT(substitute::failEachCall([this] { creo->execApplFunction(0); }, check), IsEmpty());
+    EXPECT_THAT(log(), HasSubstr("Error executeCommandByMapkey()"));
 }
 
 TEST_F(Mapkey, RefusedDefinitionFallsBackToMacros) {

@@ -492,11 +492,9 @@ TEST_F(Motion, SenselessDivisorsMoveNothing) {
         addin->settings.mRotSensBase = c.rot;
         for (int i = 0; i < 3; ++i) tick({c.axes});
         EXPECT_EQ(toolkit().components[1] != placedAt(1, 2, 3), c.isMoved) << c.trans << " " << c.rot;
-        const auto lines = newLog();
-        const auto told = std::count(lines.begin(), lines.end(),
-                                     "ERR transSensBase or rotSensBase too small, components are not moved!");
-        EXPECT_EQ(told > 0, !c.isMoved);
-        EXPECT_LE(told, 2) << "one a second, and the three ticks take less than two";
+        EXPECT_EQ(std::ranges::count(newLog(), "ERR transSensBase or rotSensBase too small, components are not moved!"),
+                  c.isMoved ? 0 : 1)
+            << "one a movement";
         endMove();
         stop();
     }
@@ -512,7 +510,7 @@ TEST_F(Motion, DegenerateViewMovesNothing) {
         tick({{1, 0, 0, 0, 0, 0}});
         EXPECT_EQ(toolkit().components[1], placedAt(1, 2, 3));
     }
-    EXPECT_THAT(newLog(), testing::Contains("ERR No screen axes, components are not moved!"));
+    EXPECT_EQ(std::ranges::count(newLog(), "ERR No screen axes, components are not moved!"), 1);
 }
 
 // No failure of the host, once or for good, at once or behind a call that worked, leaves a selection array behind,

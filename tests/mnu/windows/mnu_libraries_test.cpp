@@ -10,6 +10,7 @@
 #include "tests/mnu/large_set.h"
 #include "tests/mnu/windows/data_folder.h"
 #include "tests/mnu/windows/resource_dll.h"
+#include "tests/substitutes/system.h"
 #include "tests/unit/scratch.h"
 
 namespace {
@@ -205,6 +206,41 @@ TEST_F(Libraries, OfFullSizeAreReadAndCanBeCancelledAtAnyTime) {
             EXPECT_NE(entry.path().extension(), ".tmp") << "cancelled from " << from;
         }
     }
+}
+
+// Each part has its share of the progress, which it has reached when it is done, however little there was to do.
+TEST_F(Libraries, TellTheirProgressPartByPart) {
+    ASSERT_TRUE(makeLibraries({{"PANE", "VIEW_PANE.RES", "ProCmdOne"}},
+                              {{"TEXT", "PROCMDONE.TXT", "#1 [ProCmdOne] Command.Label\nOne\nEins\n"}}));
+    EXPECT_FALSE(parser.CreateMNU(&progress, folder + "none\\Creo.mnu", folder, "test", &cancel));
+    EXPECT_EQ(progress, 0.999999) << "both libraries are read and the text is made";
+    progress = 0.0;
+    writeFile(folder + "pro_default_test_resources.dll", "no library");
+    EXPECT_FALSE(create(folder, "test"));
+    EXPECT_EQ(progress, 0.3) << "the main library is read";
+}
+
+// Memory that is short at any point: a whole file, or none and a reason.
+TEST_F(Libraries, EachAllocationMayFail) {
+    ASSERT_TRUE(makeLibraries({{"PANE", "VIEW_PANE.RES", "ProCmdOne ProCmdTwo"}},
+                              {{"TEXT", "PROCMDONE.TXT", "#1 [ProCmdOne] Command.Label\nOne\nEins\n"},
+                               {"TEXT", "PROCMDTWO.TXT", "#1 [ProCmdTwo] Command.Label\nTwo\nZwei\n"}}));
+    ASSERT_TRUE(create(folder, "test")) << parser.failure();
+    const std::string whole = bytesOf(menuFile);
+    bool hasSucceeded = false;
+    const auto generate = [&] {
+        hasSucceeded = false;
+        hasSucceeded = create(folder, "test");
+    };
+    const auto check = [&](const std::string&) -> std::string {
+        const std::string made = bytesOf(menuFile);
+        if (std::filesystem::remove(menuFile) != hasSucceeded) return "the file and the answer do not agree";
+        if (hasSucceeded && made != whole) return "the file is not whole";
+        return hasSucceeded || !parser.failure().empty() ? "" : "no reason";
+    };
+    std::filesystem::remove(menuFile);
+    EXPECT_THAT(substitute::failEachCall(generate, check), testing::IsEmpty());
+    EXPECT_THAT(bytesOf(log), AllOf(HasSubstr("Error CreateMNU()"), HasSubstr("Error EnumNamesFunc()")));
 }
 
 // What Windows calls answers sanely whatever happens inside.
