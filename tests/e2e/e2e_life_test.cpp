@@ -196,9 +196,15 @@ TEST(Mode, OnlyTheMainWindowsModeCounts) {
     bench.host("mode assembly");
     bench.host("notify 72");
     EXPECT_EQ(bench.host("access Orbikon_ToggleMoveMode").at(0), "3");
-    // Without readMode the timer does not ask.
+    // Without readMode the timer does not ask: not in two ticks, and two reads later nothing was sent.
     bench.host("mode part");
-    EXPECT_FALSE(waitFor([&] { return bench.daemonStatus("mode") == "Part"; }, 500));
+    const auto awaitTwoMore = [](const std::function<int()>& count) {
+        const int before = count();
+        EXPECT_TRUE(waitFor([&] { return count() >= before + 2; }));
+    };
+    awaitTwoMore([&] { return std::stoi(bench.status("ticks")); });
+    awaitTwoMore([&] { return std::stoi(bench.daemonStatus("reads")); });
+    EXPECT_NE(bench.daemonStatus("mode"), "Part");
     bench.host("window 7");
     EXPECT_EQ(bench.host("access Orbikon_ToggleMoveMode").at(0), "3") << "asked from another window: the old mode";
     bench.host("window auto");

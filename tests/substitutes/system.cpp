@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <string>
 
 namespace {
@@ -28,6 +29,7 @@ std::atomic<long> callsLeft{0};  // the failing one included; 0 = none fails (an
 std::atomic<long> allocationCount{0};
 std::atomic<int> heldCount{0};
 std::atomic<std::chrono::steady_clock::rep> clockOffset{0};
+thread_local std::optional<std::chrono::steady_clock::time_point> standingTime;
 
 bool isToFail(substitute::Call call) {
     if (callsLeft == 0 || failingCall != call || --callsLeft != 0) return false;
@@ -91,6 +93,9 @@ long allocations() { return allocationCount; }
 
 void advanceClock(std::chrono::steady_clock::duration time) { clockOffset += time.count(); }
 
+ClockStands::ClockStands() { standingTime = std::chrono::steady_clock::now(); }
+ClockStands::~ClockStands() { standingTime.reset(); }
+
 }  // namespace substitute
 
 using substitute::Call;
@@ -152,6 +157,7 @@ REAL_AND_WRAP(int, link, const char* from, const char* to) { return isToFail(Cal
 using Time = std::chrono::steady_clock::time_point;
 Time __real__ZNSt6chrono3_V212steady_clock3nowEv();
 Time __wrap__ZNSt6chrono3_V212steady_clock3nowEv() {
+    if (standingTime) return *standingTime;
     return __real__ZNSt6chrono3_V212steady_clock3nowEv() + std::chrono::steady_clock::duration(clockOffset.load());
 }
 }

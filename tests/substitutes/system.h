@@ -1,5 +1,5 @@
-// What the plug-in asks of the system, as a test wants it: memory and calls that fail, and a clock that jumps. For test
-// programs that link the library system_substitute; one test thread.
+// What the plug-in asks of the system, as a test wants it: memory and calls that fail, and a clock that jumps or
+// stands. For test programs that link the library system_substitute; one test thread.
 #pragma once
 
 #include <chrono>
@@ -36,5 +36,14 @@ long allocations();  // that operator new has handed out
 
 // Lets std::chrono::steady_clock jump ahead.
 void advanceClock(std::chrono::steady_clock::duration time);
+
+// For the thread that makes it, std::chrono::steady_clock stands still for the time of a scope.
+class ClockStands {
+  public:
+    ClockStands();
+    ~ClockStands();
+    ClockStands(const ClockStands&) = delete;
+    ClockStands& operator=(const ClockStands&) = delete;
+};
 
 }  // namespace substitute

@@ -1,6 +1,7 @@
 // What a device button or a special event makes the host do.
 #include <cmath>
 
+#include "tests/substitutes/system.h"
 #include "tests/unit/plugin.h"
 
 namespace {
@@ -152,6 +153,7 @@ TEST_F(Command, RefusedViewsAreLogged) {
     toolkit().fail("ProWindowCurrentGet");  // and no other window is refreshed instead
     toolkit().fail("ProViewRefit");
     handOver().contextFlag = 1;
+    const substitute::ClockStands now;
     for (int i = 0; i < 2; ++i) creo().execSpecialApplFunction(0x2000A);  // one line a second
     EXPECT_EQ(toolkit().calls("ProWindowRefresh"), 0);
     EXPECT_THAT(newLogWithout({"TMP"}),

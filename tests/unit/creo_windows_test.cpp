@@ -9,6 +9,7 @@
 #include <array>
 #include <future>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 #include <tuple>
@@ -282,8 +283,10 @@ TEST_F(CreoWindows, TickInsideATickDoesNothing) {
 // Windows may refuse a timer, and something may be thrown in a tick: whoever calls next arms it.
 TEST_F(CreoWindows, TimerThatIsNotArmedIsArmedByTheNextCallback) {
     system().areTimersRefused = true;
+    std::optional<substitute::ClockStands> now(std::in_place);
     start();
     access();
+    now.reset();
     EXPECT_THAT(timersSet(), IsEmpty());
     const std::string line = "| Error in SetTimer()! err=1450";
     EXPECT_THAT(log(), HasSubstr(line));
@@ -573,6 +576,7 @@ TEST_F(Mapkey, NothingIsTypedWhenSomethingIsMissing) {
     system().inFront = tops[1];
     DestroyWindow(tops[0]);
     const std::string gone = "No Creo window for the mapkey, command dropped!";
+    const substitute::ClockStands now;
     expectDropped(gone);
     EXPECT_EQ(log().find(gone), log().rfind(gone)) << "one line a second";
     EXPECT_THAT(posted(tops[1], WM_KEYFIRST, WM_KEYLAST), IsEmpty());
