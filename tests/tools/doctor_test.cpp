@@ -218,6 +218,19 @@ TEST(Doctor, FindsExactlyWhatIsWrong) {
     }
 }
 
+TEST(Doctor, SaysWhyALibraryCannotBeRead) {
+    const char* const library = "lp/text/compiled_resource/pro_default_resources.dll";
+    Installation in;
+    const auto told = [&] {
+        Seat seat = lookAtSeat(in.request, in("doctor"));
+        return textOf(examine(seat), false);
+    };
+    in.write(library, "MZ");
+    EXPECT_THAT(told(), testing::HasSubstr("default_resources.dll is no Windows library, or damaged"));
+    in.remove(library);
+    EXPECT_THAT(told(), testing::HasSubstr("default_resources.dll: not there"));
+}
+
 // The places of a registration file, as Creo looks for them.
 TEST(Doctor, NamesTheRegistrationThatCountsAndTheShadowedOnes) {
     const Installation in;

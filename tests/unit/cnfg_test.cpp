@@ -96,6 +96,9 @@ TEST_F(Reader, AnswersInAnyOrderAndGoesOnFromTheCurrentPlace) {
     EXPECT_EQ(file.errorText(), "Parameter 'a' in section 'A' not found! (" + folder.file("test.ini") + ")");
     EXPECT_EQ(file.readParameter("A", "a", value), 0);
     EXPECT_EQ(value, "1");
+    EXPECT_EQ(file.positionOnSection("B"), 0);
+    EXPECT_EQ(file.readParameter("A", "none", value), 3);
+    EXPECT_EQ(file.errorText(), "Parameter 'none' in section 'A' not found! (" + folder.file("test.ini") + ")");
 }
 
 TEST_F(Reader, StepsThroughASectionToItsEnd) {

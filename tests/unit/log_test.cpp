@@ -600,6 +600,11 @@ TEST_F(Log, StatementsBeforeInitAreCollectedForIt) {
     OB_LOG(LogLevel::ERR) << "of a file that is not asked for";
     init();
     EXPECT_EQ(lines().back().substr(0, 4), "----");
+    gLogging.startCollecting();
+    OB_LOG(LogLevel::ERR) << "of a file that is asked for from now on";
+    parameters.mExclFileToLog.clear();
+    init();
+    EXPECT_EQ(messages().back(), "of a file that is asked for from now on");
 }
 
 TEST_F(Log, CollectedStatementsAreBounded) {
