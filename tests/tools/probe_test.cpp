@@ -152,6 +152,13 @@ TEST(ProbeMatrix, ConventionScaleAndAxes) {
     EXPECT_NEAR(distance(other, axes), 2 * s, 1e-12);
     EXPECT_FALSE(unitRows(broken, other));
     EXPECT_FALSE(unitRowsOfInverse(ProMatrix{}, other));
+    // Axes changed places: one term of the determinant is all there is.
+    const ProMatrix cycle = {{0, 0, 2, 0}, {2, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 0, 1}};
+    const ProMatrix back = {{0, 1, 0, 0}, {0, 0, 1, 0}, {1, 0, 0, 0}, {0, 0, 0, 1}};
+    ASSERT_TRUE(unitRowsOfInverse(cycle, other));
+    EXPECT_LT(distance(other, back), 1e-12);
+    ASSERT_TRUE(unitRowsOfInverse(back, other));
+    EXPECT_NEAR(distance(other, cycle), 1, 1e-12) << "of length 1 instead of 2";
 }
 
 }  // namespace
