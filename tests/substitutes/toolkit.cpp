@@ -103,6 +103,8 @@ void expectFinite(const double (*matrix)[4], std::string_view function) {
 using substitute::expectFinite;
 using substitute::toolkit;
 
+constexpr ProMode kMeaningless = 12345;  // what a call that fails may have written all the same
+
 #define ENTER()                                                                   \
     do {                                                                          \
         if (const ProError enterErr = toolkit().enter(__func__)) return enterErr; \
@@ -177,6 +179,7 @@ ProError ProNotificationUnset(int type) {
 }
 
 ProError ProModeCurrentGet(ProMode* mode) {
+    *mode = kMeaningless;
     ENTER();
     *mode = toolkit().mode;
     return PRO_TK_NO_ERROR;

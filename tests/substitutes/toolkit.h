@@ -55,8 +55,8 @@ class Toolkit {
     std::vector<int> chkbuttonStates;  // what ProCmdChkbuttonValueSet was called with
 
     // --- Failures and calls ---
-    // The function answers err (0: works again) and writes no outputs, in `count` calls (negative: all) from the
-    // from-th one on.
+    // The function answers err (0: works again) and writes no outputs, or such as mean nothing, in `count` calls
+    // (negative: all) from the from-th one on.
     void fail(std::string_view function, ProError err = PRO_TK_GENERAL_ERROR, int from = 1, int count = -1);
     // Runs the action in every call of the function, before anything else.
     void onCall(std::string_view function, std::function<void()> action);

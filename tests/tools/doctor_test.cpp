@@ -132,6 +132,8 @@ TEST(Doctor, FindsExactlyWhatIsWrong) {
         {put("plugin/orbikon_creo.dll", "MZ"), {"plugin.file"}},
         {plugin([](PeShape& shape) { shape.machine = 0x8664; }), {"plugin.machine"}},
         {plugin([](PeShape& shape) { ++shape.version[1]; }), {"plugin.version"}},
+        {plugin([](PeShape& shape) { ++shape.version[2]; }), {"plugin.version"}},
+        {plugin([](PeShape& shape) { ++shape.version[3]; }), {}},
         {plugin([](PeShape& shape) { shape.names.pop_back(); }), {"plugin.exports"}},
         {plugin([](PeShape& shape) { shape.imports.emplace_back("libstdc++-6.dll"); }), {"plugin.imports"}},
         {without("plugin/text/usascii/Orbikon.txt"), {"messages.file"}},
