@@ -220,6 +220,23 @@ TEST(Doctor, FindsExactlyWhatIsWrong) {
     }
 }
 
+TEST(Doctor, ChoosesTheReleaseItIsMadeForAndNamesTheOthers) {
+    Installation in;
+    for (const char* release : {"2.0", "3.0", "4.0"}) {
+        in.write("programs/PTC/Creo " + std::string(release) + "/Common Files/text/x", "");
+    }
+    setVariable("ProgramW6432", in("programs").string().c_str());
+    in.request.loadPoint.clear();
+    Seat seat = lookAtSeat(in.request, in("doctor"));
+    setVariable("ProgramW6432", nullptr);
+    EXPECT_NE(seat.loadPoint.string().find("Creo 3.0"), std::string::npos);
+    Findings findings;
+    checkCreo(seat, findings);
+    for (const char* release : {"Creo 2.0", "Creo 4.0"}) {
+        EXPECT_THAT(textOf(findings, false), testing::ContainsRegex("there is also .*" + std::string(release)));
+    }
+}
+
 TEST(Doctor, SaysWhyALibraryCannotBeRead) {
     const char* const library = "lp/text/compiled_resource/pro_default_resources.dll";
     Installation in;
