@@ -2,6 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <fstream>
+#include <thread>
+
 #include "common_sources/mnu/mnu_encoding.h"
 #include "config/cnfg.h"
 #include "tests/unit/scratch.h"
@@ -112,6 +116,24 @@ TEST(BindFile, IsWrittenAsItIsRead) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(std::filesystem::path(folder.path()) / "new"), {}), 1)
         << "nothing left over";
 }
+
+#ifdef _WIN32  // elsewhere nobody's reading keeps a file from being replaced
+TEST(BindFile, IsWrittenAsSoonAsNobodyReadsIt) {
+    const ScratchFolder folder;
+    const auto path = std::filesystem::path(folder.path()) / "b.txt";
+    writeBindFile(parseBindFile("[Part]\n1 = A\n", "b.txt"), path);
+    const BindFile changed = parseBindFile("[Part]\n1 = B\n", "b.txt");
+    std::ifstream reader(path);
+    ASSERT_TRUE(reader.is_open());
+    std::thread end([&reader] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        reader.close();
+    });
+    EXPECT_NO_THROW(writeBindFile(changed, path));
+    end.join();
+    EXPECT_EQ(readBindFile(path), changed);
+}
+#endif
 
 class Commands : public ::testing::Test {
   protected:
