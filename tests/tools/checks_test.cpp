@@ -11,6 +11,7 @@
 #include "tools/seat/load_points.h"
 #include "tools/seat/message_file.h"
 #include "tools/seat/pe_file.h"
+#include "tools/seat/private_names.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -99,6 +100,11 @@ TEST(NearestName, AFewWrongLettersAreForgiven) {
                                                                            {std::string(1000, 'x'), ""}}) {
         EXPECT_EQ(nearestName(written, names), meant) << written;
     }
+}
+
+TEST(PrivateNames, EachIsReplacedTheLongestFirst) {
+    const seat::PrivateNames names = {{"jo", "%USERNAME%"}, {"/home/jo", "%USERPROFILE%"}, {"x", "too short"}};
+    EXPECT_EQ(seat::withoutNames("jo Jo, /HOME/jo x JO", names), "%USERNAME% %USERNAME%, %USERPROFILE% x %USERNAME%");
 }
 
 TEST(MenuCheck, CountsWhatItsReaderReadsAndNamesTheRest) {
