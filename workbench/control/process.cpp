@@ -109,12 +109,16 @@ Process::Process(const ProcessOptions& options) : mJob(makeJob()) {
     start.hStdOutput = output.get();
     start.hStdError = output.get();
     PROCESS_INFORMATION made{};
-    // Suspended, so that it is in the job before it does anything.
-    if (!CreateProcessW(options.program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                        CREATE_SUSPENDED | CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, environment.data(),
-                        options.folder.empty() ? nullptr : options.folder.c_str(), &start, &made)) {
-        fail("cannot start " + textOf(options.program));
-    }
+    const auto make = [&] {  // suspended, so that it is in the job before it does anything
+        return CreateProcessW(options.program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
+                              CREATE_SUSPENDED | CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, environment.data(),
+                              options.folder.empty() ? nullptr : options.folder.c_str(), &start, &made) != FALSE;
+    };
+    // On rare occasions Wine's new process dies before it comes to the program, which is an internal error then.
+    constexpr int kTries = 3;
+    bool isMade = make();
+    for (int i = 1; i < kTries && !isMade && GetLastError() == ERROR_INTERNAL_ERROR; ++i) isMade = make();
+    if (!isMade) fail("cannot start " + textOf(options.program));
     mProcess.reset(made.hProcess);
     mId = made.dwProcessId;
     const Handle thread(made.hThread);
