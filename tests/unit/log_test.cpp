@@ -316,6 +316,15 @@ TEST_F(Log, RotatesAFileThatIsFullFromTheStart) {
     }
 }
 
+// Asked for every 4 kB, since to ask costs as much as half a line.
+TEST_F(Log, RotatesAFileThatAnotherProcessHasFilled) {
+    parameters.mMaxSize = 20;
+    init();
+    std::ofstream(path(), std::ios::binary | std::ios::app) << std::string(30'000, 'o');
+    for (int i = 0; i < 6; ++i) OB_LOG(LogLevel::ERR) << std::string(1000, 'x');
+    EXPECT_TRUE(std::filesystem::exists(backup()));
+}
+
 TEST_F(Log, SizeZeroRotatesBeforeEveryLineAndHugeSizesNever) {
     parameters.mMaxSize = 0;
     init();
