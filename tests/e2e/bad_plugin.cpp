@@ -4,6 +4,7 @@
 #include <process.h>
 
 #include <string>
+#include <utility>
 
 #include "driver/obk_ctrlr.h"
 #include "toolkit/pro_toolkit.h"
@@ -30,16 +31,21 @@ unsigned __stdcall sleepForEver(void*) {
 int ignore() { return 0; }
 int ignoreClick(uiCmdCmdId, uiCmdValue*, void*) { return 0; }
 
-}  // namespace
-
-extern "C" __declspec(dllexport) int user_initialize() {
-    SetTimer(nullptr, 0, 1000000, nullptr);
-    _beginthreadex(nullptr, 0, sleepForEver, nullptr, 0, nullptr);
+void addCommands() {
     const auto addCommand = IN_HOST(ProCmdOptionAdd);
     for (std::string name : {"Orbikon_ToggleMoveMode", "Orbikon_ToggleScrollMode"}) {
         uiCmdCmdId command = nullptr;
         addCommand(name.data(), ignoreClick, PRO_B_TRUE, nullptr, nullptr, PRO_B_TRUE, PRO_B_TRUE, &command);
     }
+}
+
+}  // namespace
+
+extern "C" __declspec(dllexport) int user_initialize() {
+    SetTimer(nullptr, 0, 1000000, nullptr);
+    _beginthreadex(nullptr, 0, sleepForEver, nullptr, 0, nullptr);
+    static bool isFirstStart = true;
+    if (!std::exchange(isFirstStart, false)) addCommands();
     IN_HOST(ProNotificationSet)(24, ignore);
     IN_HOST(ProNotificationSet)(72, ignore);
     ProSelection* selection = nullptr;

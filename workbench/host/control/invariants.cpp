@@ -80,11 +80,15 @@ std::optional<bool> isMenuItemOn(const char* command) {
 void checkRunning(Breaches& breaches, const Daemon& daemon) {
     const auto move = isMenuItemOn("Orbikon_ToggleMoveMode");
     const auto scroll = isMenuItemOn("Orbikon_ToggleScrollMode");
-    // A plug-in that was refused its menu items is called when another window becomes the current one.
+    if (!move && !scroll && toolkitCalls().faults().refusedInRow("ProCmdOptionAdd") == 0) {
+        breaches.push_back("the plug-in runs without its menu items");
+    }
+    // One that was refused them is called when another window becomes the current one.
     const bool isCalled = move || scroll || notifications().fire(WINDOW_CHANGED);
     const int timers = liveTimers();
-    if (timers > 1 || (timers == 0 && isCalled))
+    if (timers > 1 || (timers == 0 && isCalled)) {
         breaches.push_back(counted(timers, "timers are armed while the plug-in runs"));
+    }
     const bool isMotionTaken = scroll.value_or(true) || (move.value_or(true) && !host().selection().empty());
     if (isMotionTaken || !daemon.isThere() || daemon.value("clients") == "0" || daemon.isExcusing()) return;
     if (daemon.value("legacy") != daemon.value("legacy_own")) {

@@ -17,6 +17,7 @@ namespace workbench {
 //   - dynamic positioning is off; it may stay on when switching it off failed at least twice in a row
 // While the plug-in runs, a moment after the menus were shown
 //   - one timer is armed
+//   - it has a menu item, unless the latest that it asked for was refused
 //   - LegacyCOM1 is on unless scrolling is, or components are selected with component move on in an assembly
 // When it was ended
 //   - no timer and no thread of it is left, no driver session, no notification but 72 and 73
